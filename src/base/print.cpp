@@ -1,0 +1,63 @@
+#include "base/print.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace ifwatch {
+
+namespace {
+
+constexpr std::size_t OUTPUT_CAPACITY = 65536;
+char output_buffer[OUTPUT_CAPACITY];
+
+long write_to_standard_output(const char* data, std::size_t length) { return write(STDOUT_FILENO, data, length); }
+
+output_writer writer = write_to_standard_output;
+int first_error = 0;
+
+/// Empties the buffer; after a failure by dropping it, so that a decoder can run to its end.
+bool drain_output(text_sink& sink) {
+    std::size_t done = 0;
+    while (first_error == 0 && done < sink.used) {
+        const long written = writer(sink.data + done, sink.used - done);
+        if (written >= 0) {
+            done += static_cast<std::size_t>(written);
+        } else if (errno != EINTR) {
+            first_error = errno;
+        }
+    }
+    sink.used = 0;
+    return true;
+}
+
+}  // namespace
+
+text_sink standard_output{output_buffer, OUTPUT_CAPACITY, 0, drain_output};
+
+void set_output_writer(output_writer replacement) {
+    writer = replacement != nullptr ? replacement : write_to_standard_output;
+    first_error = 0;
+    standard_output.used = 0;
+}
+
+bool flush_output() {
+    drain_output(standard_output);
+    return first_error == 0;
+}
+
+int output_error() { return first_error; }
+
+void write_report(std::string_view text) {
+    flush_output();
+    while (!text.empty()) {
+        const long written = write(STDERR_FILENO, text.data(), text.size());
+        if (written > 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (written == 0 || errno != EINTR) {
+            return;
+        }
+    }
+}
+
+}  // namespace ifwatch

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "base/format.h"
+#include "base/names.h"
+#include "base/text_sink.h"
+
+namespace ifwatch {
+
+/// The standard output: one buffer, written once per record by flush_output and early only when it fills.
+extern text_sink standard_output;
+
+/// How the standard output leaves: like write(2), called until all is taken; replaced by tests.
+using output_writer = long (*)(const char* data, std::size_t length);
+void set_output_writer(output_writer writer);
+
+/// Writes what the buffer holds. False when the standard output has failed, now or before; what came after the
+/// failure is dropped. output_error then gives the errno of the failure (0: none).
+bool flush_output();
+[[nodiscard]] int output_error();
+
+/// Prints to the standard output.
+template <format_text Format, class... Arguments>
+void print(const Arguments&... arguments) {
+    print_to<Format>(standard_output, arguments...);
+}
+
+/// Prints a text of a table, which may hold one conversion of `value`, to the standard output.
+inline void print_named(table_text text, std::uint32_t value) { print_named_to(standard_output, text, value); }
+
+/// Writes a text to the error stream at once. What stands in the output buffer goes out first, so that both streams
+/// on one terminal keep their order.
+void write_report(std::string_view text);
+
+/// Prints to the error stream at once: errors, reports and progress. A text of more than 4096 characters is cut.
+template <format_text Format, class... Arguments>
+void report(const Arguments&... arguments) {
+    text_buffer<4096> text;
+    print_to<Format>(text, arguments...);
+    write_report(text.text());
+}
+
+}  // namespace ifwatch

@@ -1,0 +1,71 @@
+#include "isdn/dchannel.h"
+
+#include "base/print.h"
+#include "display/mode_flags.h"
+#include "isdn/lapd.h"
+
+namespace ifwatch {
+
+namespace {
+
+constexpr int GROUP_TEI = 127;
+constexpr int SAPI_X25 = 16;
+
+constexpr bool has_call_reference(int protocol_discriminator) {
+    return protocol_discriminator == 0x08 || protocol_discriminator == 0x40 || protocol_discriminator == 0x41;
+}
+
+bool passes_tei_filter(octets frame, std::uint32_t mode_flags, std::int32_t tei_filter) {
+    const int tei = lapd_tei(frame);
+    return (mode_flags & MODE_TEI_FILTER) == 0 || tei_filter == -1 || tei == tei_filter || tei == GROUP_TEI;
+}
+
+bool passes_cref_filter(octets frame, std::uint32_t mode_flags, std::int32_t cref_filter) {
+    if ((mode_flags & MODE_CREF_FILTER) == 0 || cref_filter == -1) {
+        return true;
+    }
+    const std::int32_t callref = message_callref(frame);
+    return callref == cref_filter || callref == -1;
+}
+
+}  // namespace
+
+std::int32_t message_callref(octets frame) {
+    if (!lapd_carries_layer3(frame)) {
+        return -1;
+    }
+    const octets message = frame.skip(lapd_header_length(frame));
+    const int callref_length = message[1];
+    if (!has_call_reference(message[0]) || callref_length == 0) {
+        return -1;
+    }
+    std::uint32_t value = message[2] & 0x7FU;
+    for (int i = 1; i < callref_length; ++i) {
+        value = value * 256 + message[2 + i];
+    }
+    return static_cast<std::int32_t>(value);
+}
+
+void dump_dchannel(octets frame, std::uint32_t mode_flags, std::int32_t tei_filter, std::int32_t cref_filter,
+                   std::uint32_t /*record_flags*/) {
+    const int header_length = lapd_header_length(frame);
+    if (header_length > frame.length) {
+        print<"\n!!! Error : Unable to interpret D-CHANNEL-MESSAGE">();
+        print<" Layer2-Info is longer than allowed (0x%x > 0x%x)\n">(header_length, frame.length);
+        return;
+    }
+    if ((mode_flags & MODE_LAYER2_ASKED) != 0 && passes_tei_filter(frame, mode_flags, tei_filter)) {
+        dump_lapd(frame);
+    }
+    if ((mode_flags & MODE_LAYER3_ASKED) == 0) {
+        return;
+    }
+    if (lapd_sapi(frame) == SAPI_X25 && lapd_is_i_frame(frame)) {
+        return;
+    }
+    if (!lapd_carries_layer3(frame) || !passes_cref_filter(frame, mode_flags, cref_filter)) {
+        return;
+    }
+}
+
+}  // namespace ifwatch

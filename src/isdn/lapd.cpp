@@ -1,0 +1,58 @@
+#include "isdn/lapd.h"
+
+#include "base/names.h"
+#include "base/print.h"
+
+namespace ifwatch {
+
+namespace {
+
+constexpr int POLL_FINAL = 0x10;  // of an unnumbered frame's control octet
+
+constexpr named_value SUPERVISORY_FRAMES[] = {
+    {0x01, "RR   "},
+    {0x05, "RNR  "},
+    {0x09, "REJ  "},
+};
+
+// By the control octet without its P/F bit.
+constexpr named_value UNNUMBERED_FRAMES[] = {
+    {0x03, "UI   "}, {0x0F, "DM   "}, {0x43, "DISC "}, {0x63, "UA   "},
+    {0x6F, "SABME"}, {0x87, "FRMR "}, {0xAF, "XID  "},
+};
+
+void dump_control(octets frame) {
+    const int control = frame[2];
+    const int nr = frame[3] >> 1;
+    const int poll_final = frame[3] & 1;
+    if (lapd_is_i_frame(frame)) {
+        print<"I     P/F=%d N(R)=%02X N(S)=%02X">(poll_final, nr, control >> 1);
+    } else if (const table_text supervisory = value_name(SUPERVISORY_FRAMES, control)) {
+        print<"%s P/F=%d">(supervisory, poll_final);
+        print<" N(R)=%02X">(nr);
+    } else if (const table_text unnumbered = value_name(UNNUMBERED_FRAMES, control & ~POLL_FINAL)) {
+        print<"%s P/F=%d">(unnumbered, (control & POLL_FINAL) != 0 ? 1 : 0);
+    } else {
+        print<"\n!!!\tIllegal D-Channel Message (Layer 2 - Controlword : 0x%x)\n">(control);
+    }
+}
+
+}  // namespace
+
+int lapd_header_length(octets frame) { return (frame[2] & 1) != 0 ? 3 : 4; }
+
+int lapd_sapi(octets frame) { return frame[0] >> 2; }
+
+int lapd_tei(octets frame) { return frame[1] >> 1; }
+
+bool lapd_is_i_frame(octets frame) { return (frame[2] & 1) == 0; }
+
+bool lapd_carries_layer3(octets frame) { return lapd_is_i_frame(frame) || (frame[2] & ~POLL_FINAL) == 0x03; }
+
+void dump_lapd(octets frame) {
+    print<"\tSAPI=%02X\tC/R=%1X\tTEI=%02X\t">(lapd_sapi(frame), frame[0] >> 1 & 1, lapd_tei(frame));
+    dump_control(frame);
+    print<"\n">();
+}
+
+}  // namespace ifwatch

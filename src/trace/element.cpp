@@ -1,0 +1,60 @@
+#include "trace/element.h"
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace ifwatch {
+
+int read_n(int fd, std::uint8_t* buffer, int n, int* got) {
+    int done = 0;
+    ssize_t count = 1;
+    while (done < n && count > 0) {
+        count = read(fd, buffer + done, static_cast<std::size_t>(n - done));
+        if (count < 0 && errno == EINTR) {
+            count = 1;
+            continue;
+        }
+        done += count > 0 ? static_cast<int>(count) : 0;
+    }
+    if (got != nullptr) {
+        *got = done;
+    }
+    if (count < 0) {
+        return -1;
+    }
+    return done == n ? n : 0;
+}
+
+const char* read_element(int fd, std::uint32_t& header, std::span<std::uint8_t> buffer) {
+    header = 0;
+    std::uint8_t word[4];
+    if (read_n(fd, word, sizeof word) != sizeof word) {
+        return "missing elem header data";
+    }
+    header = load_be32(word);
+    const std::uint32_t length = element_data_length(header);
+    if (length >= buffer.size()) {
+        return length == 0 ? nullptr : "read buffer overflow";
+    }
+    const int wanted = static_cast<int>(length);
+    return read_n(fd, buffer.data(), wanted) == wanted ? nullptr : "missing elem data";
+}
+
+bool write_all(int fd, std::span<const std::uint8_t> buffer) {
+    while (!buffer.empty()) {
+        ssize_t written = send(fd, buffer.data(), buffer.size(), MSG_NOSIGNAL);
+        if (written < 0 && errno == ENOTSOCK) {
+            written = write(fd, buffer.data(), buffer.size());
+        }
+        if (written >= 0) {
+            buffer = buffer.subspan(static_cast<std::size_t>(written));
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace ifwatch
