@@ -7,24 +7,19 @@
 
 namespace ifwatch {
 
-int read_n(int fd, std::uint8_t* buffer, int n, int* got) {
+int read_n(int fd, std::uint8_t* buffer, int n) {
     int done = 0;
-    ssize_t count = 1;
-    while (done < n && count > 0) {
-        count = read(fd, buffer + done, static_cast<std::size_t>(n - done));
-        if (count < 0 && errno == EINTR) {
-            count = 1;
-            continue;
+    while (done < n) {
+        const ssize_t count = read(fd, buffer + done, static_cast<std::size_t>(n - done));
+        if (count > 0) {
+            done += static_cast<int>(count);
+        } else if (count == 0) {
+            return 0;
+        } else if (errno != EINTR) {
+            return -1;
         }
-        done += count > 0 ? static_cast<int>(count) : 0;
     }
-    if (got != nullptr) {
-        *got = done;
-    }
-    if (count < 0) {
-        return -1;
-    }
-    return done == n ? n : 0;
+    return n;
 }
 
 const char* read_element(int fd, std::uint32_t& header, std::span<std::uint8_t> buffer) {

@@ -63,8 +63,8 @@ constexpr void store_be32(std::uint8_t* at, std::uint32_t value) {
 [[nodiscard]] constexpr std::uint32_t load_le32(const std::uint8_t* at) { return swap32(load_be32(at)); }
 
 /// Reads exactly `n` octets. Returns n; 0 when the stream ended before, also after a part; -1 on a read error (errno
-/// set). Short reads and reads interrupted by a signal go on. `got`, when given, receives the octets that arrived.
-int read_n(int fd, std::uint8_t* buffer, int n, int* got = nullptr);
+/// set). Short reads and reads interrupted by a signal go on.
+int read_n(int fd, std::uint8_t* buffer, int n);
 
 /// Reads one element. `header` is 0 until the four header octets are read; the data are placed at the start of
 /// `buffer`, without a terminator. Returns nullptr, or one of three texts: "missing elem header data", "missing elem

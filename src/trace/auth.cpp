@@ -1,0 +1,105 @@
+#include "trace/auth.h"
+
+#include <openssl/crypto.h>
+#include <openssl/evp.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+#include "base/print.h"
+#include "base/verbose.h"
+#include "trace/element.h"
+
+namespace ifwatch {
+
+namespace {
+
+constexpr std::string_view USER_NAME = "admin";
+constexpr const char* PASSWORD_VARIABLE = "TRACE_PWD";
+
+bool add(EVP_MD_CTX* md5, const void* data, std::size_t length) { return EVP_DigestUpdate(md5, data, length) == 1; }
+
+/// One octet of the standard input; -1 at its end.
+int read_character() {
+    unsigned char octet = 0;
+    ssize_t count = 0;
+    do {
+        count = read(STDIN_FILENO, &octet, 1);
+    } while (count < 0 && errno == EINTR);
+    return count == 1 ? octet : -1;
+}
+
+/// The password of the run: given, from the environment, or asked for (then kept in `typed`).
+const char* find_password(const char* given_password, std::span<char, 32> typed) {
+    if (given_password != nullptr) {
+        return given_password;
+    }
+    if (const char* const value = std::getenv(PASSWORD_VARIABLE)) {
+        if (verbose_level >= 0) {
+            report<"using environ $%s as password\n">(PASSWORD_VARIABLE);
+        }
+        return value;
+    }
+    prompt_password("Enter remote password: ", typed);
+    return typed.data();
+}
+
+}  // namespace
+
+bool auth_digest(std::string_view password, std::span<const std::uint8_t> challenge,
+                 std::array<std::uint8_t, 8>& digest) {
+    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> md5(EVP_MD_CTX_new(), EVP_MD_CTX_free);
+    std::array<std::uint8_t, EVP_MAX_MD_SIZE> whole{};
+    if (md5 == nullptr || EVP_DigestInit_ex(md5.get(), EVP_md5(), nullptr) != 1 ||
+        !add(md5.get(), password.data(), password.size()) || !add(md5.get(), challenge.data(), challenge.size()) ||
+        !add(md5.get(), password.data(), password.size()) || !add(md5.get(), USER_NAME.data(), USER_NAME.size()) ||
+        EVP_DigestFinal_ex(md5.get(), whole.data(), nullptr) != 1) {
+        return false;
+    }
+    std::copy_n(whole.begin(), digest.size(), digest.begin());
+    return true;
+}
+
+int calc_auth(const char* given_password, std::span<const std::uint8_t, AUTH_LENGTH> challenge,
+              std::span<std::uint8_t, AUTH_LENGTH> reply) {
+    std::array<char, 32> typed{};
+    const std::string_view password = find_password(given_password, typed);
+    if (verbose_level > 1) {
+        report<"got AUTH random (V.%d): 0x%08x%08x\n">(challenge[0], load_le32(&challenge[1]), load_le32(&challenge[5]));
+    }
+    std::array<std::uint8_t, 8> digest{};
+    const bool done = auth_digest(password, challenge, digest);
+    OPENSSL_cleanse(typed.data(), typed.size());
+    if (!done) {
+        return -1;
+    }
+    reply[0] = challenge[0];
+    std::copy(digest.begin(), digest.end(), reply.begin() + 1);
+    if (verbose_level > 2) {
+        report<"calced auth: 0x%08x%08x\n">(load_le32(digest.data()), load_le32(&digest[4]));
+    }
+    return 0;
+}
+
+void prompt_password(std::string_view prompt, std::span<char, 32> password) {
+    write_report(prompt);
+    std::size_t length = 0;
+    for (int character = read_character(); character >= 0 && character != '\n'; character = read_character()) {
+        if (length < password.size() - 1) {
+            password[length++] = static_cast<char>(character);
+        }
+    }
+    while (length > 0 && (password[length - 1] == '\r' || password[length - 1] == '\n')) {
+        --length;
+    }
+    password[length] = '\0';
+    if (verbose_level >= 3) {
+        print<"pwd:%s. (%d)\n">(password.data(), static_cast<int>(length));
+        flush_output();
+    }
+}
+
+}  // namespace ifwatch
