@@ -1,0 +1,9 @@
+#pragma once
+
+namespace ifwatch {
+
+/// How much the run tells on the error stream: 0 at start, one more for each -v. Diagnostics print at or above the
+/// level that each of them names.
+extern int verbose_level;
+
+}  // namespace ifwatch
