@@ -63,12 +63,13 @@ bool auth_digest(std::string_view password, std::span<const std::uint8_t> challe
     return true;
 }
 
-int calc_auth(const char* given_password, std::span<const std::uint8_t, AUTH_LENGTH> challenge,
+int calc_auth(const char* given_password, std::span<const std::uint8_t> challenge,
               std::span<std::uint8_t, AUTH_LENGTH> reply) {
     std::array<char, 32> typed{};
     const std::string_view password = find_password(given_password, typed);
     if (verbose_level > 1) {
-        report<"got AUTH random (V.%d): 0x%08x%08x\n">(challenge[0], load_le32(&challenge[1]), load_le32(&challenge[5]));
+        report<"got AUTH random (V.%d): 0x%08x%08x\n">(challenge[0], load_le32(&challenge[1]),
+                                                       load_le32(&challenge[5]));
     }
     std::array<std::uint8_t, 8> digest{};
     const bool done = auth_digest(password, challenge, digest);

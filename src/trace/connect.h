@@ -6,8 +6,8 @@ namespace ifwatch {
 
 /// Where the trace daemon is and how this run logs in.
 struct session_settings {
-    const char* host = nullptr;  // nullptr: taken from TRACE_HOST
-    std::uint16_t port = 7000;   // host order; TRACE_PORT wins over it
+    const char* host = nullptr;      // nullptr: taken from TRACE_HOST
+    std::uint16_t port = 7000;       // host order; TRACE_PORT wins over it
     const char* password = nullptr;  // --pwd; nullptr: none given
     bool list_mode = false;
 };

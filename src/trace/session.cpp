@@ -15,6 +15,7 @@
 #include "trace/auth.h"
 #include "trace/element.h"
 #include "trace/ifc_types.h"
+#include "trace/trace_request.h"
 
 namespace ifwatch {
 
@@ -69,7 +70,6 @@ bool next_element(attempt& session) {
 }
 
 bool send_request(const attempt& session, int version) {
-    std::array<std::uint8_t, TRACE_REQUEST_LENGTH> request{};
     trace_target target = session.target;
     target.version = version;
     if (!send_trace_request(session.socket_fd, target)) {
@@ -112,8 +112,9 @@ bool answer_challenge(attempt& session, std::span<std::uint8_t, 4 + AUTH_LENGTH>
         return false;
     }
     store_be32(reply.data(), element_header(ELEMENT_AUTH, AUTH_LENGTH));
-    const std::span<const std::uint8_t, BUFFER_SIZE> data(session.data);
-    if (calc_auth(session.settings.password, data.first<AUTH_LENGTH>(), reply.subspan<4, AUTH_LENGTH>()) != 0) {
+    const int length = std::max(session.data_length(), AUTH_LENGTH);
+    const auto challenge = std::span(session.data).first(static_cast<std::size_t>(length));
+    if (calc_auth(session.settings.password, challenge, reply.subspan<4, AUTH_LENGTH>()) != 0) {
         session.error = "cannot calc authentication";
         return false;
     }

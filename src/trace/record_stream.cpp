@@ -1,0 +1,73 @@
+#include "trace/record_stream.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "base/print.h"
+#include "base/verbose.h"
+#include "display/display_context.h"
+#include "display/record_display.h"
+#include "trace/element.h"
+#include "trace/pcap.h"
+#include "trace/record_buffer.h"
+
+namespace ifwatch {
+
+namespace {
+
+/// Reads the record behind `header` into the slot of the context. False at the end of the stream.
+bool receive_record(int socket_fd, record_buffer& buffer, display_context& context) {
+    std::array<std::uint8_t, RECORD_HEADER_LENGTH> header{};
+    const int got_header = read_n(socket_fd, header.data(), RECORD_HEADER_LENGTH);
+    if (got_header != RECORD_HEADER_LENGTH) {
+        report<"trc hdr too short! = %d<%d\n">(got_header, RECORD_HEADER_LENGTH);
+        return false;
+    }
+    const int captured = load_be16(header.data()) - RECORD_HEADER_LENGTH;
+    const bool fits = captured >= 0 && captured <= RECORD_DATA_MAXIMUM;
+    const int got = fits ? read_n(socket_fd, buffer.data.get(), captured) : 0;
+    if (got != captured) {
+        report<"data too short! %d<%ld\n">(got, captured);
+        return false;
+    }
+    fill_slot(buffer, std::span(header).subspan<4, PROTO_LENGTH>(), load_be16(&header[20]), captured, context);
+    return true;
+}
+
+void count_record(std::uint32_t sequence) { report<"\b\b\b\b\b\b\b\b%8lu">(sequence); }
+
+}  // namespace
+
+int receive_records(int socket_fd, const stream_settings& settings, display_context& context) {
+    record_buffer buffer;
+    if (!allocate(buffer)) {
+        return 1;
+    }
+    const bool has_sink = settings.pcap_fd > 0;
+    const bool decodes = settings.pcap_fd < 0 || settings.print;
+    if (has_sink && !settings.print) {
+        report<"Packets captured: %8d">(0);
+    }
+    bool writable = true;
+    while (writable && receive_record(socket_fd, buffer, context)) {
+        if (verbose_level > 2) {
+            report<"Pkt: len %lu, sequ: %lu\n">(context.payload.length, context.header->sequence);
+        }
+        if (has_sink) {
+            // A sink that has failed is told so at each record; the display goes on.
+            write_pcap_record(settings.pcap_fd, context);
+        }
+        if (decodes) {
+            display_record(context);
+        } else {
+            count_record(context.header->sequence);
+        }
+        writable = flush_output();
+    }
+    return writable ? 0 : report_output_failure();
+}
+
+}  // namespace ifwatch

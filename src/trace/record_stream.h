@@ -1,0 +1,35 @@
+#pragma once
+
+#include "trace/trace_target.h"
+
+namespace ifwatch {
+
+struct display_context;
+
+// A trace record, all integers big-endian:
+//
+//     0-1    length of the whole record          8-11   flags
+//     2-3    length of the protocol part: 16     12-15  channel info
+//     4-7    time stamp, ms                      16-19  sequence number
+//                                                20-21  length of the frame on the line
+//     22 ..  the captured octets
+
+inline constexpr int RECORD_HEADER_LENGTH = 22;
+inline constexpr int RECORD_DATA_MAXIMUM = 8192;  // captured octets of one record
+
+struct stream_settings {
+    int pcap_fd = -1;    // the open PCAP sink; -1: none
+    bool print = false;  // decode although there is a sink
+};
+
+/// Reads trace records until the daemon closes the connection or a record is cut off or longer than can be held, and
+/// writes each to the sink and decodes it as the settings say. Returns 0, or 1 when the standard output failed or
+/// there is no memory for a record.
+int receive_records(int socket_fd, const stream_settings& settings, display_context& context);
+
+/// Reads a trace file, the octets of a version-1 session from its acknowledge on ("-": the standard input), and
+/// decodes its records. Returns 0 at its end or at a broken record; 1 when the acknowledge octet is missing, the
+/// standard output failed or there is no memory for a record. Ends the process when the file cannot be opened.
+int read_trace_file(const char* name, const trace_target& target, display_context& context);
+
+}  // namespace ifwatch
