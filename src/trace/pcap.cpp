@@ -42,10 +42,11 @@ long write_whole(int fd, const void* data, long length) {
     long done = 0;
     while (done < length) {
         const long written = write(fd, octets_begin + done, static_cast<std::size_t>(length - done));
-        if (written <= 0 && errno != EINTR) {
+        if (written > 0) {
+            done += written;
+        } else if (written == 0 || errno != EINTR) {
             return written;
         }
-        done += written > 0 ? written : 0;
     }
     return done;
 }
@@ -57,13 +58,9 @@ bool write_or_close(int fd, const void* data, long length, const char* what, con
         return true;
     }
     const char* const reason = std::strerror(errno);
-    report <
-        "ERROR write pcap %s ret : %d
-        ">(what, written);
-        report <
-        "%s: %s
-        ">(prefix, reason);
-        close(fd);
+    report<"ERROR write pcap %s ret : %d\n">(what, written);
+    report<"%s: %s\n">(prefix, reason);
+    close(fd);
     return false;
 }
 
