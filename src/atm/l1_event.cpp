@@ -1,0 +1,44 @@
+#include "atm/l1_event.h"
+
+#include "base/hex_dump.h"
+#include "base/names.h"
+#include "base/print.h"
+#include "display/display_context.h"
+
+namespace ifwatch {
+
+namespace {
+
+constexpr std::uint32_t EVENT_LAYER1_STATE = 7;
+
+constexpr named_value EVENTS[] = {{1, "ACTIVATE"}, {2, "DEACTIVATE"}};
+
+constexpr named_value LINE_ERRORS[] = {{3, "RST "}, {4, "CRC "}, {5, "ODD "}, {6, "ORUN"}};
+
+// ITU-T I.430: F states are those of the terminal side, G states those of the network side.
+constexpr table_text LAYER1_STATES[] = {
+    "L1 PH_ACT_REQ", "L1 T3", "L1 PS1 ON", "L1 PS1 OFF", "L1 F1", "L1 F2", "L1 F3", "L1 F4",   "L1 F5",
+    "L1 F6",         "L1 F7", "L1 F8",     "L1 G1",      "L1 G2", "L1 G3", "L1 G4", "L1 SLIP",
+};
+
+table_text event_name(std::uint32_t event, std::uint32_t state) {
+    return event == EVENT_LAYER1_STATE ? name_at(LAYER1_STATES, static_cast<int>(state), "L1 UNKNOWN%ld")
+                                       : value_name(EVENTS, static_cast<int>(event), "");
+}
+
+}  // namespace
+
+void dump_l1_event(const display_context& context, std::string_view header, std::string_view delta) {
+    const std::uint32_t event = context.header->channel_info & 0xFF;
+    if (const table_text error = value_name(LINE_ERRORS, static_cast<int>(event))) {
+        print<"%s%s[%04ld]%s">(header, error, context.original_length, delta);
+        hex_dump(context.payload, context.payload.length, 16, 6);
+        print<"\n">();
+        return;
+    }
+    print<"%s">(header);
+    print_named(event_name(event, context.header->record_flags), context.header->record_flags);
+    print<"%s">(delta);
+}
+
+}  // namespace ifwatch
