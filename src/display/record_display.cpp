@@ -1,80 +1,37 @@
 #include "display/record_display.h"
 
 #include <algorithm>
-#include <span>
 
+#include "atm/l1_event.h"
 #include "base/hex_dump.h"
 #include "base/print.h"
+#include "display/channel_display.h"
 #include "display/mode_flags.h"
-#include "isdn/dchannel.h"
 
 namespace ifwatch {
 
 namespace {
 
 constexpr std::uint32_t RECORD_SENT = 0x01;         // bits of the record flags
-constexpr std::uint32_t RECORD_CELL_HEADER = 0x80;  // an ATM cell header comes before the payload
+constexpr std::uint32_t RECORD_CELL_HEADER = 0x80;  // the payload begins with an ATM cell header
 constexpr std::uint32_t EVENT_LAYER1 = 7;           // an event code: the record has no direction and no cell header
 constexpr int HEX_PREFIX = 38;                      // octets shown without -!
 
-/// The record that is being shown, and what its header line has found out about it.
-struct shown_record {
-    display_context& context;
-    const record_header& header;
-    octets payload;
-    std::uint32_t original_length;
-    std::uint32_t event_code;
-    char direction = '.';
-    bool has_cell_header = false;
-    int cell_class = 0;  // of an ATM record; 0: user data
-};
-
-using header_text = text_buffer<256>;
-
-// --- The header line of each channel type -----------------------------------------------------------------------
-
-void direction_header(header_text& out, shown_record& record) { print_to<"%c ">(out, record.direction); }
-
-void isdn_header(header_text& out, shown_record& record) {
-    print_to<"%c #%08ld ">(out, record.direction, record.header.sequence);
+shown_record begin_record(display_context& context) {
+    shown_record record{.context = context,
+                        .header = *context.header,
+                        .payload = context.payload,
+                        .original_length = context.original_length,
+                        .event_code = context.header->channel_info & 0xFF};
+    if (record.event_code != EVENT_LAYER1) {
+        record.direction = (record.header.record_flags & RECORD_SENT) != 0 ? 'X' : 'R';
+        record.has_cell_header = (record.header.record_flags & RECORD_CELL_HEADER) != 0;
+    }
+    return record;
 }
 
-void pabx_header(header_text& out, shown_record& record) {
-    print_to<" [%02d:%02d]  %c #%ld CR 0x%x ">(out, record.payload[0], record.payload[1], record.direction,
-                                               record.header.sequence, record.payload.le32(2));
-}
-
-// --- The payload of each channel type ---------------------------------------------------------------------------
-
-void show_dchannel(shown_record& record) {
-    const display_context& context = record.context;
-    dump_dchannel(record.payload, context.mode_flags, context.tei_filter, context.cref_filter,
-                  record.header.record_flags);
-}
-
-/// What a channel type puts into the header line, and what decodes its payload (nullptr: nothing does).
-struct channel_display {
-    int channel_type;
-    void (*header)(header_text&, shown_record&);
-    void (*payload)(shown_record&);
-};
-
-constexpr channel_display CHANNEL_DISPLAYS[] = {
-    {-2, pabx_header, nullptr},
-    {0, isdn_header, show_dchannel},
-    {1, isdn_header, nullptr},
-};
-constexpr channel_display OTHER_CHANNEL = {-1, direction_header, nullptr};
-
-const channel_display& find_display(int channel_type) {
-    const auto* const found = std::ranges::find(CHANNEL_DISPLAYS, channel_type, &channel_display::channel_type);
-    return found != std::end(CHANNEL_DISPLAYS) ? *found : OTHER_CHANNEL;
-}
-
-// --- The steps of display_record ----------------------------------------------------------------------------------
-
-/// The times since the first and the previous record, or a bare line end; then this record is the previous one.
-void delta_text(text_sink& out, display_context& context, std::uint32_t time) {
+/// Writes the times since the first and the previous record, or a bare line end; then `time` is the previous one.
+void take_time(text_sink& out, display_context& context, std::uint32_t time) {
     if (context.first_time == 0) {
         context.first_time = time;
         context.previous_time = time;
@@ -133,23 +90,21 @@ void report_lost_records(display_context& context) {
 }
 
 void display_record(display_context& context) {
-    shown_record record{.context = context,
-                        .header = *context.header,
-                        .payload = context.payload,
-                        .original_length = context.original_length,
-                        .event_code = context.header->channel_info & 0xFF};
-    report_lost_records(context);
+    shown_record record = begin_record(context);
     const std::uint32_t time = record.header.timestamp_ms;
+    report_lost_records(context);
     text_buffer<64> delta;
-    delta_text(delta, context, time);
-    if (record.event_code != EVENT_LAYER1) {
-        record.direction = (record.header.record_flags & RECORD_SENT) != 0 ? 'X' : 'R';
-        record.has_cell_header = (record.header.record_flags & RECORD_CELL_HEADER) != 0;
-    }
-    header_text header;
+    take_time(delta, context, time);
+    text_buffer<256> header;
     print_to<"%06ld.%03ld ">(header, time / 1000, time % 1000);
-    const channel_display& display = find_display(context.channel_type);
-    display.header(header, record);
+    const channel_display& display = find_channel_display(context.channel_type);
+    if (!display.header(header, record)) {
+        return;
+    }
+    if (record.event_code != 0) {
+        dump_l1_event(context, header.text(), delta.text());
+        return;
+    }
     print<"%sDATA[%04ld]   %s">(header.text(), record.original_length, delta.text());
     show_payload(record, display);
     print<"\n">();

@@ -1,0 +1,96 @@
+#include "display/channel_display.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "atm/cell_header.h"
+#include "base/print.h"
+#include "display/mode_flags.h"
+#include "isdn/dchannel.h"
+#include "lan/wlan_oid.h"
+
+namespace ifwatch {
+
+namespace {
+
+constexpr int WLAN_HEADER = 8;  // the object and a word that tells a set request from a get request
+
+bool direction_header(text_sink& out, shown_record& record) {
+    print_to<"%c ">(out, record.direction);
+    return true;
+}
+
+bool isdn_header(text_sink& out, shown_record& record) {
+    print_to<"%c #%08ld ">(out, record.direction, record.header.sequence);
+    return true;
+}
+
+bool pabx_header(text_sink& out, shown_record& record) {
+    print_to<" [%02d:%02d]  %c #%ld CR 0x%x ">(out, record.payload[0], record.payload[1], record.direction,
+                                               record.header.sequence, record.payload.le32(2));
+    return true;
+}
+
+std::uint32_t vpi(const shown_record& record) { return record.header.channel_info >> 24; }
+std::uint32_t vci(const shown_record& record) { return record.header.channel_info >> 8 & 0xFFFF; }
+
+bool atm_header(text_sink& out, shown_record& record) {
+    print_to<"%c ">(out, record.direction);
+    if (record.has_cell_header) {
+        format_cell_header(out, record.payload, record.cell_class);
+    } else {
+        print_to<"(AAL5) VPI=%3ld   VCI=%5ld  ">(out, vpi(record), vci(record));
+    }
+    print_to<" #%08ld ">(out, record.header.sequence);
+    return true;
+}
+
+bool old_atm_header(text_sink& out, shown_record& record) {
+    print_to<"%c ">(out, record.direction);
+    if (record.has_cell_header) {
+        format_cell_header(out, record.payload, record.cell_class);
+    } else {
+        print_to<"(AAL5) VPI=%3ld   VCI=%5ld   SAP=%3ld  ">(out, vpi(record), vci(record), record.event_code);
+    }
+    print_to<" #%08ld ">(out, record.header.sequence);
+    // The low octet of the info word is the SAP here, so that these records are never events.
+    record.event_code = 0;
+    return true;
+}
+
+bool wlan_header(text_sink& out, shown_record& record) {
+    const bool show_hidden = (record.context.mode_flags & MODE_FRAME_RELAY) != 0;
+    const char* const name = wlan_oid_name(record.payload.be32(0), show_hidden);
+    if (name == nullptr) {
+        return false;
+    }
+    const char* label = "OID RECEIVE: ";
+    if ((record.header.record_flags & 1) != 0) {
+        label = record.payload.be32(4) != 0 ? "SET REQUEST:" : "GET REQUEST:";
+    }
+    print_to<"%s %-32s ">(out, label, name);
+    record.payload = record.payload.skip(WLAN_HEADER);
+    record.original_length -= WLAN_HEADER;
+    return true;
+}
+
+void show_dchannel(shown_record& record) {
+    const display_context& context = record.context;
+    dump_dchannel(record.payload, context.mode_flags, context.tei_filter, context.cref_filter,
+                  record.header.record_flags);
+}
+
+constexpr channel_display CHANNEL_DISPLAYS[] = {
+    {-2, pabx_header, nullptr},   {0, isdn_header, show_dchannel}, {1, isdn_header, nullptr},
+    {2, old_atm_header, nullptr}, {3, atm_header, nullptr},        {4, wlan_header, nullptr},
+};
+constexpr channel_display OTHER_CHANNEL = {-1, direction_header, nullptr};
+
+}  // namespace
+
+const channel_display& find_channel_display(int channel_type) {
+    const auto* const found = std::ranges::find(CHANNEL_DISPLAYS, channel_type, &channel_display::channel_type);
+    return found != std::end(CHANNEL_DISPLAYS) ? *found : OTHER_CHANNEL;
+}
+
+}  // namespace ifwatch
