@@ -70,7 +70,7 @@ void put_text(text_sink& sink, std::string_view text, const conversion& how) {
 void print_named_to(text_sink& sink, table_text text, std::uint32_t value) {
     std::string_view rest = detail::as_text(text);
     while (!rest.empty()) {
-        const std::size_t literal = std::min(rest.find('%'), rest.size());
+        const std::size_t literal = find_conversion(rest);
         put(sink, rest.substr(0, literal));
         rest.remove_prefix(literal);
         if (rest.empty()) {

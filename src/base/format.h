@@ -37,6 +37,16 @@ struct number {
 void put_number(text_sink& sink, number value, const conversion& how);
 void put_text(text_sink& sink, std::string_view text, const conversion& how);
 
+/// Where the first '%' of a text stands, or its end. (std::string_view::find is not a constant expression under g++ 12
+/// with the undefined-behaviour sanitizer.)
+constexpr std::size_t find_conversion(std::string_view text) {
+    std::size_t at = 0;
+    while (at < text.size() && text[at] != '%') {
+        ++at;
+    }
+    return at;
+}
+
 /// Splits the conversion that starts behind a '%' off `text`.
 constexpr conversion take_conversion(std::string_view& text) {
     conversion how;
@@ -134,7 +144,7 @@ consteval auto split_format() {
     std::size_t argument = 0;
     for (format_piece& piece : pieces) {
         piece.literal_at = all.size() - rest.size();
-        piece.literal_length = std::min(rest.find('%'), rest.size());
+        piece.literal_length = find_conversion(rest);
         piece.argument = argument;
         rest.remove_prefix(piece.literal_length);
         if (rest.empty()) {

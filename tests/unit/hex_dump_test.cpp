@@ -1,0 +1,76 @@
+#include "base/hex_dump.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <string>
+#include <vector>
+
+#include "support/captured_output.h"
+
+namespace ifwatch {
+namespace {
+
+std::string dumped(std::vector<std::uint8_t> data, int length, int per_line, int indent) {
+    captured_output output;
+    hex_dump(octets_of(data), length, per_line, indent);
+    return output.take();
+}
+
+TEST(hex_dump, one_short_line_is_padded_in_both_columns) {
+    EXPECT_EQ(dumped({0x41, 0x42, 0x00, 0x7F, 0x43}, 5, 16, 0),
+              "0000: 41 42 00 7f 43 " + std::string(33 + 1, ' ') + " AB..C" + std::string(11, ' ') + "\n");
+}
+
+TEST(hex_dump, a_full_line_has_a_wider_gap_in_its_middle) {
+    std::vector<std::uint8_t> data(16);
+    std::iota(data.begin(), data.end(), std::uint8_t{0x20});
+    EXPECT_EQ(dumped(data, 16, 16, 0), "0000: 20 21 22 23 24 25 26 27  28 29 2a 2b 2c 2d 2e 2f   !\"#$%&'()*+,-./\n");
+}
+
+TEST(hex_dump, the_seventeenth_octet_begins_a_second_line) {
+    std::vector<std::uint8_t> data(17, 0xE4);
+    std::string first = "      0000: ";
+    for (int i = 0; i < 16; ++i) {
+        first += i == 8 ? " e4 " : "e4 ";
+    }
+    EXPECT_EQ(dumped(data, 17, 16, 6), first + " ................\n" + "      0010: e4 " +
+                                           std::string(15 * 3 + 1, ' ') + " ." + std::string(15, ' ') + "\n");
+}
+
+TEST(hex_dump, nine_octets_cross_the_gap) {
+    EXPECT_EQ(
+        dumped(std::vector<std::uint8_t>(9, '1'), 9, 16, 0),
+        "0000: 31 31 31 31 31 31 31 31  31 " + std::string(7 * 3, ' ') + " 111111111" + std::string(7, ' ') + "\n");
+}
+
+TEST(hex_dump, eight_octets_a_line) {
+    EXPECT_EQ(dumped({1, 2, 3, 4, 5, 6, 7, 8}, 8, 8, 2), "  0000: 01 02 03 04  05 06 07 08  ........\n");
+    EXPECT_EQ(dumped({1, 2}, 2, 8, 0),
+              "0000: 01 02 " + std::string(6 * 3 + 1, ' ') + " .." + std::string(6, ' ') + "\n");
+}
+
+TEST(hex_dump, one_octet_a_line) { EXPECT_EQ(dumped({0x41, 0x42}, 2, 1, 0), "0000:  41  A\n0001:  42  B\n"); }
+
+TEST(hex_dump, an_odd_line_has_its_gap_at_the_integer_half) {
+    EXPECT_EQ(dumped({1, 2, 3}, 3, 3, 0), "0000: 01  02 03  ...\n");
+}
+
+TEST(hex_dump, nothing_to_print) {
+    EXPECT_EQ(dumped({1, 2}, 0, 16, 0), "");
+    EXPECT_EQ(dumped({1, 2}, -3, 16, 0), "");
+    EXPECT_EQ(dumped({}, 5, 16, 0), "");
+}
+
+TEST(hex_dump, only_what_is_held) {
+    EXPECT_EQ(dumped({0x41}, 400, 4, 0), "0000: 41 " + std::string(3 * 3 + 1, ' ') + " A" + std::string(3, ' ') + "\n");
+}
+
+TEST(hex_dump, offsets_above_four_digits_grow) {
+    const std::string text = dumped(std::vector<std::uint8_t>(0x10001, 0), 0x10001, 16, 0);
+    EXPECT_NE(text.find("\nfff0: 00"), std::string::npos);
+    EXPECT_NE(text.find("\n10000: 00"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace ifwatch
