@@ -1,0 +1,196 @@
+#include "client/options.h"
+
+#include <getopt.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <iterator>
+#include <span>
+
+#include "base/print.h"
+#include "base/verbose.h"
+#include "display/mode_flags.h"
+
+namespace ifwatch {
+
+namespace {
+
+constexpr char SHORT_OPTIONS[] = "?!23FADehapfiNtvV:zxXn:T:c:r:H:P:I:B:o";
+
+enum long_option : int {
+    OPTION_SRC = 256,  // above every one-letter option
+    OPTION_DST,
+    OPTION_LLC,
+    OPTION_VPI,
+    OPTION_VCI,
+    OPTION_ETHEREAL,
+    OPTION_PCAP_PIPE,
+    OPTION_PCAP_FILE,
+    OPTION_PCAP_LINKTYPE,
+    OPTION_OFILE,
+    OPTION_PWD,
+    OPTION_PRINT,
+    OPTION_HELP,
+};
+
+constexpr ::option LONG_OPTIONS[] = {
+    {"src", required_argument, nullptr, OPTION_SRC},
+    {"dst", required_argument, nullptr, OPTION_DST},
+    {"llc", no_argument, nullptr, OPTION_LLC},
+    {"vpi", required_argument, nullptr, OPTION_VPI},
+    {"vci", required_argument, nullptr, OPTION_VCI},
+    {"ethereal", no_argument, nullptr, OPTION_ETHEREAL},
+    {"pcap-pipe", no_argument, nullptr, OPTION_PCAP_PIPE},
+    {"pcap-file", no_argument, nullptr, OPTION_PCAP_FILE},
+    {"pcap-linktype", required_argument, nullptr, OPTION_PCAP_LINKTYPE},
+    {"ofile", required_argument, nullptr, OPTION_OFILE},
+    {"pwd", required_argument, nullptr, OPTION_PWD},
+    {"print", no_argument, nullptr, OPTION_PRINT},
+    {"help", no_argument, nullptr, OPTION_HELP},
+    {nullptr, 0, nullptr, 0},
+};
+
+/// As atoi converts, but a number that does not fit keeps its low 32 bits.
+std::int32_t decimal(const char* text) { return static_cast<std::int32_t>(std::strtoll(text, nullptr, 10)); }
+
+/// What one option does: mode bits it sets, a filter it adds, or a setting it changes.
+struct option_rule {
+    int key;
+    std::uint32_t mode_bits = 0;
+    char filter_kind = '\0';
+    void (*apply)(options& settings, char* argument) = nullptr;
+};
+
+constexpr option_rule mode(char letter, std::uint32_t bits) { return {.key = letter, .mode_bits = bits}; }
+constexpr option_rule filter(int key, char kind) { return {.key = key, .filter_kind = kind}; }
+constexpr option_rule setting(int key, void (*apply)(options&, char*)) { return {.key = key, .apply = apply}; }
+
+constexpr option_rule OPTION_RULES[] = {
+    mode('h', MODE_HEX),
+    mode('!', MODE_FULL_HEX),
+    mode('2', MODE_LAYER2 | MODE_LAYER2_ASKED),
+    mode('3', MODE_LAYER3 | MODE_LAYER3_ASKED),
+    mode('F', MODE_FAX),
+    mode('A', MODE_FAX | MODE_FAX_AT),
+    mode('D', MODE_DELTA_TIME),
+    mode('e', MODE_EFT),
+    mode('p', MODE_PPP),
+    mode('a', MODE_ASYNC_HDLC),
+    mode('f', MODE_FRAME_RELAY),
+    mode('i', MODE_IP),
+    mode('N', MODE_IPX),
+    mode('t', MODE_TEXT),
+    mode('x', MODE_RAW),
+    mode('X', MODE_PPP_X75),
+    {.key = 'T',
+     .mode_bits = MODE_TEI_FILTER,
+     .apply = [](options& settings, char* argument) { settings.tei_filter = decimal(argument); }},
+    {.key = 'c',
+     .mode_bits = MODE_CREF_FILTER,
+     .apply = [](options& settings, char* argument) { settings.cref_filter = decimal(argument); }},
+    filter('I', 'I'),
+    filter('B', 'B'),
+    filter('o', 'o'),
+    filter(OPTION_SRC, 's'),
+    filter(OPTION_DST, 'd'),
+    filter(OPTION_LLC, 'l'),
+    setting('v', [](options&, char*) { ++verbose_level; }),
+    setting('V', [](options& settings, char* argument) { settings.version = decimal(argument); }),
+    setting('P',
+            [](options& settings, char* argument) { settings.port = static_cast<std::uint16_t>(decimal(argument)); }),
+    setting('r', [](options& settings, char* argument) { settings.target.capture_length = decimal(argument); }),
+    setting('z', [](options& settings, char*) { settings.atm.flags |= 1; }),
+    setting('H', [](options& settings, char* argument) { settings.host = argument; }),
+    setting('n', [](options&, char*) {}),  // accepted, without effect
+    setting(OPTION_VPI, [](options& settings, char* argument) { settings.atm.vpi = decimal(argument); }),
+    setting(OPTION_VCI, [](options& settings, char* argument) { settings.atm.vci = decimal(argument); }),
+    setting(OPTION_ETHEREAL,
+            [](options& settings, char*) {
+                settings.sink = SINK_PIPE;
+                settings.start_analyser = true;
+            }),
+    setting(OPTION_PCAP_PIPE, [](options& settings, char*) { settings.sink = SINK_PIPE; }),
+    setting(OPTION_PCAP_FILE, [](options& settings, char*) { settings.sink = SINK_FILE; }),
+    setting(OPTION_PCAP_LINKTYPE,
+            [](options& settings, char* argument) { settings.pcap_linktype = decimal(argument); }),
+    setting(OPTION_OFILE, [](options& settings, char* argument) { settings.output_name = argument; }),
+    setting(OPTION_PWD, [](options& settings, char* argument) { settings.password.take(argument); }),
+    setting(OPTION_PRINT, [](options& settings, char*) { settings.print = true; }),
+};
+
+void apply_rule(const option_rule& rule, options& settings, char* argument) {
+    settings.mode_flags |= rule.mode_bits;
+    if (rule.filter_kind != '\0') {
+        addinfo_buffer& addinfo = settings.addinfo;
+        addinfo.used = add_filter(addinfo.data, argument, rule.filter_kind, addinfo.used);
+    }
+    if (rule.apply != nullptr) {
+        rule.apply(settings, argument);
+    }
+}
+
+/// Mode bits that follow from others.
+void complete_mode_flags(std::uint32_t& flags) {
+    if ((flags & MODE_ASYNC_HDLC) != 0 && (flags & MODE_HEX) != 0) {
+        // Reassembled frames are shown in hexadecimal instead of the slices they came in.
+        flags &= ~(MODE_HEX | MODE_FULL_HEX);
+        flags |= MODE_ASYNC_HEX;
+    }
+    if ((flags & MODE_RAW) != 0) {
+        flags |= MODE_HEX | MODE_FULL_HEX;
+    }
+}
+
+command take_positional(std::span<char*> arguments, options& settings) {
+    trace_target& target = settings.target;
+    switch (arguments.size()) {
+        case 1:
+            settings.list_mode = settings.version > 2;
+            break;
+        case 2:
+            split_interface_index(target, decimal(arguments[1]));
+            break;
+        case 4:
+            target.channel = decimal(arguments[1]);
+            target.unit = decimal(arguments[2]);
+            target.slot = decimal(arguments[3]);
+            break;
+        default:
+            return command::SHOW_USAGE;
+    }
+    settings.host = arguments[0];
+    return arguments.size() == 1 && !settings.list_mode ? command::CHANNEL_TEST : command::TRACE;
+}
+
+/// False, with a message, when the daemon could not take all filters.
+bool complete_addinfo(options& settings) {
+    addinfo_buffer& addinfo = settings.addinfo;
+    addinfo.used = build_addinfo(settings.version, addinfo.data, settings.atm, settings.list_mode, addinfo.used);
+    if (addinfo.used > ADDINFO_LENGTH) {
+        report<"ERROR filters too long (%d > %d octets)\n">(addinfo.used, ADDINFO_LENGTH);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+command parse_options(int argc, char** argv, options& settings) {
+    optind = 0;  // so that getopt_long starts afresh with every command line
+    for (int key = 0; (key = getopt_long(argc, argv, SHORT_OPTIONS, LONG_OPTIONS, nullptr)) != -1;) {
+        if (key == OPTION_HELP) {
+            return command::SHOW_HELP;
+        }
+        const auto* const rule = std::ranges::find(OPTION_RULES, key, &option_rule::key);
+        if (rule == std::end(OPTION_RULES)) {
+            return command::SHOW_USAGE;
+        }
+        apply_rule(*rule, settings, optarg);
+    }
+    complete_mode_flags(settings.mode_flags);
+    const std::span<char*> arguments(argv, static_cast<std::size_t>(argc));
+    const command asked = take_positional(arguments.subspan(static_cast<std::size_t>(optind)), settings);
+    return asked == command::SHOW_USAGE || complete_addinfo(settings) ? asked : command::SHOW_USAGE;
+}
+
+}  // namespace ifwatch

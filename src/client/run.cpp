@@ -1,0 +1,94 @@
+#include "client/run.h"
+
+#include <unistd.h>
+
+#include <span>
+
+#include "base/print.h"
+#include "base/program_name.h"
+#include "client/options.h"
+#include "client/sinks.h"
+#include "client/usage.h"
+#include "display/display_context.h"
+#include "display/record_display.h"
+#include "trace/channel_test.h"
+#include "trace/pcap.h"
+#include "trace/record_stream.h"
+#include "trace/session.h"
+
+namespace ifwatch {
+
+namespace {
+
+session_settings session_of(const options& settings) {
+    return {.host = settings.host,
+            .port = settings.port,
+            .password = settings.password.text(),
+            .list_mode = settings.list_mode};
+}
+
+/// Sets the session up, once more when the first attempt names the version to use. The socket, or -1.
+int connect_session(options& settings, display_context& context) {
+    const session_settings session = session_of(settings);
+    const auto addinfo =
+        std::span<const std::uint8_t>(settings.addinfo.data).first(static_cast<std::size_t>(settings.addinfo.used));
+    int socket_fd = -1;
+    int result = open_session(settings.version, socket_fd, session, settings.target, addinfo, context);
+    if (result > 0) {
+        result = open_session(result, socket_fd, session, settings.target, addinfo, context);
+    }
+    settings.password.wipe();
+    return result == 0 ? socket_fd : -1;
+}
+
+int receive(int socket_fd, const options& settings, display_context& context) {
+    pcap_sink sink;
+    if (settings.sink != SINK_NONE &&
+        (!sink.open(settings) || write_pcap_header(sink.fd(), context, settings.pcap_linktype) < 0)) {
+        return 1;
+    }
+    return receive_records(socket_fd, {.pcap_fd = sink.fd(), .print = settings.print}, context);
+}
+
+int trace(options& settings) {
+    display_context context;
+    init_display_context(context);
+    context.tei_filter = settings.tei_filter;
+    context.cref_filter = settings.cref_filter;
+    context.mode_flags = settings.mode_flags;
+    if (settings.trace_file != nullptr) {
+        read_trace_file(settings.trace_file, settings.target, context);
+        return output_error() == 0 ? 0 : 1;
+    }
+    const int socket_fd = connect_session(settings, context);
+    if (socket_fd < 0) {
+        return 1;
+    }
+    const int status = receive(socket_fd, settings, context);
+    close(socket_fd);
+    return status;
+}
+
+}  // namespace
+
+int run(int argc, char** argv) {
+    if (argc > 0) {
+        set_program_name(argv[0]);
+        argv[0] = program_name_argument();  // messages about options, too, begin with the name
+    }
+    options settings;
+    switch (parse_options(argc, argv, settings)) {
+        case command::SHOW_USAGE:
+            return print_usage();
+        case command::SHOW_HELP:
+            return print_help();
+        case command::CHANNEL_TEST:
+            channel_test(session_of(settings), settings.target);
+            return 1;  // nothing is traced, whatever it found
+        case command::TRACE:
+            break;
+    }
+    return trace(settings);
+}
+
+}  // namespace ifwatch

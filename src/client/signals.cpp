@@ -1,0 +1,90 @@
+#include "client/signals.h"
+
+#include <limits.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include "base/format.h"
+#include "base/print.h"
+#include "base/verbose.h"
+
+namespace ifwatch {
+
+namespace {
+
+std::atomic<const char*> pipe_to_remove = nullptr;
+static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler reads it");
+
+// A handler may interrupt the program anywhere, also inside report: it calls only functions that are safe there, and
+// formats into a buffer of its own.
+
+template <format_text Format, class... Arguments>
+void report_from_handler(const Arguments&... arguments) {
+    text_buffer<PATH_MAX + 128> buffer;
+    print_to<Format>(buffer, arguments...);
+    std::string_view text = buffer.text();
+    while (!text.empty()) {
+        const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
+        if (written <= 0) {
+            return;
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void end_by_signal(int number) {
+    if (verbose_level > 0) {
+        report_from_handler<"got signal %d\n">(number);
+    }
+    const char* const name = pipe_to_remove;
+    if (name != nullptr && unlink(name) != 0) {
+        // strerror may allocate; this one only looks the text up.
+        report_from_handler<"ERROR cannot delete %s (%s)\n">(name, strerrordesc_np(errno));
+    }
+    report_from_handler<"\n">();
+    _exit(1);
+}
+
+/// Leaves the rest to the default action, which ends the process when this handler returns.
+void end_by_broken_pipe(int number) {
+    const char* const name = pipe_to_remove;
+    if (name != nullptr) {
+        unlink(name);
+    }
+    std::signal(number, SIG_DFL);
+    std::raise(number);
+}
+
+void install(int number, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    sigfillset(&action.sa_mask);
+    sigaction(number, &action, nullptr);
+}
+
+}  // namespace
+
+void remove_pipe_on_signal(const char* pipe_name) {
+    pipe_to_remove = pipe_name;
+    for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+        install(number, end_by_signal);
+    }
+    install(SIGPIPE, end_by_broken_pipe);
+}
+
+void remove_pipe() {
+    const char* const name = pipe_to_remove;
+    if (name == nullptr) {
+        return;
+    }
+    if (unlink(name) != 0 && errno != ENOENT) {
+        report<"ERROR cannot delete %s (%s)\n">(name, std::strerror(errno));
+    }
+    pipe_to_remove = nullptr;
+}
+
+}  // namespace ifwatch
