@@ -92,7 +92,7 @@ constexpr conversion take_conversion(std::string_view& text) {
 template <std::integral T>
 constexpr number number_of(T value, char type, char size) {
     if (type == 'd') {
-        std::int64_t wide = static_cast<std::int64_t>(value);
+        auto wide = static_cast<std::int64_t>(value);
         if (size == 'h') {
             wide = static_cast<std::int16_t>(value);
         } else if (size != 'l') {
@@ -113,7 +113,7 @@ constexpr number number_of(T value, char type, char size) {
 /// A printf format as a template argument; the compiler splits it once.
 template <std::size_t N>
 struct format_text {
-    char characters[N];
+    char characters[N] = {};
 
     consteval format_text(const char (&literal)[N]) { std::copy_n(literal, N, characters); }
 

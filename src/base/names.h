@@ -57,7 +57,7 @@ private:
 
 /// One row of a value-name table.
 struct named_value {
-    int value;
+    int value = 0;
     table_text name;
 };
 

@@ -10,11 +10,11 @@
 namespace ifwatch {
 
 /// The standard output: one buffer, written once per record by flush_output and early only when it fills.
-extern text_sink standard_output;
+extern text_sink standard_output;  // NOLINT(*-avoid-non-const-global-variables): a process has one
 
 /// How the standard output leaves: like write(2), called until all is taken; replaced by tests.
 using output_writer = long (*)(const char* data, std::size_t length);
-void set_output_writer(output_writer writer);
+void set_output_writer(output_writer replacement);
 
 /// Writes what the buffer holds. False when the standard output has failed, now or before; what came after the
 /// failure is dropped. output_error then gives the errno of the failure (0: none).
