@@ -251,9 +251,12 @@ int open_session(int version, int& socket_out, const session_settings& settings,
                  std::span<const std::uint8_t> addinfo, display_context& context) {
     socket_out = -1;
     const int socket_fd = connect_trace(settings, 0);
-    if (socket_fd < 0) {
-        return FAILED;
-    }
+    return socket_fd < 0 ? FAILED : set_up_session(socket_fd, version, socket_out, settings, target, addinfo, context);
+}
+
+int set_up_session(int socket_fd, int version, int& socket_out, const session_settings& settings,
+                   const trace_target& target, std::span<const std::uint8_t> addinfo, display_context& context) {
+    socket_out = -1;
     attempt session{.socket_fd = socket_fd, .settings = settings, .target = target};
     if (!send_request(session, version)) {
         return give_up(session, FAILED);

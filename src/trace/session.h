@@ -18,4 +18,8 @@ struct display_context;
 int open_session(int version, int& socket_out, const session_settings& settings, const trace_target& target,
                  std::span<const std::uint8_t> addinfo, display_context& context);
 
+/// The same on a socket that is connected already; it is closed when the set-up fails.
+int set_up_session(int socket_fd, int version, int& socket_out, const session_settings& settings,
+                   const trace_target& target, std::span<const std::uint8_t> addinfo, display_context& context);
+
 }  // namespace ifwatch
