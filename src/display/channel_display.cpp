@@ -7,6 +7,7 @@
 #include "base/print.h"
 #include "display/mode_flags.h"
 #include "isdn/dchannel.h"
+#include "isdn/pabx.h"
 #include "lan/wlan_oid.h"
 
 namespace ifwatch {
@@ -80,8 +81,14 @@ void show_dchannel(shown_record& record) {
                   record.header.record_flags);
 }
 
+void show_pabx(shown_record& record) {
+    const display_context& context = record.context;
+    dump_pabx_message(record.payload, context.mode_flags, context.tei_filter, context.cref_filter,
+                      record.header.record_flags);
+}
+
 constexpr channel_display CHANNEL_DISPLAYS[] = {
-    {-2, pabx_header, nullptr},   {0, isdn_header, show_dchannel}, {1, isdn_header, nullptr},
+    {-2, pabx_header, show_pabx}, {0, isdn_header, show_dchannel}, {1, isdn_header, nullptr},
     {2, old_atm_header, nullptr}, {3, atm_header, nullptr},        {4, wlan_header, nullptr},
 };
 constexpr channel_display OTHER_CHANNEL = {-1, direction_header, nullptr};

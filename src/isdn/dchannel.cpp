@@ -2,7 +2,9 @@
 
 #include "base/print.h"
 #include "display/mode_flags.h"
+#include "isdn/call_reference.h"
 #include "isdn/lapd.h"
+#include "isdn/q931_message.h"
 
 namespace ifwatch {
 
@@ -10,10 +12,6 @@ namespace {
 
 constexpr int GROUP_TEI = 127;
 constexpr int SAPI_X25 = 16;
-
-constexpr bool has_call_reference(int protocol_discriminator) {
-    return protocol_discriminator == 0x08 || protocol_discriminator == 0x40 || protocol_discriminator == 0x41;
-}
 
 bool passes_tei_filter(octets frame, std::uint32_t mode_flags, std::int32_t tei_filter) {
     const int tei = lapd_tei(frame);
@@ -35,15 +33,8 @@ std::int32_t message_callref(octets frame) {
         return -1;
     }
     const octets message = frame.skip(lapd_header_length(frame));
-    const int callref_length = message[1];
-    if (!has_call_reference(message[0]) || callref_length == 0) {
-        return -1;
-    }
-    std::uint32_t value = message[2] & 0x7FU;
-    for (int i = 1; i < callref_length; ++i) {
-        value = value * 256 + message[2 + i];
-    }
-    return static_cast<std::int32_t>(value);
+    const bool is_dummy = message[1] == 0;
+    return has_call_reference(message[0]) && !is_dummy ? call_reference(message) : -1;
 }
 
 void dump_dchannel(octets frame, std::uint32_t mode_flags, std::int32_t tei_filter, std::int32_t cref_filter,
@@ -66,6 +57,7 @@ void dump_dchannel(octets frame, std::uint32_t mode_flags, std::int32_t tei_filt
     if (!lapd_carries_layer3(frame) || !passes_cref_filter(frame, mode_flags, cref_filter)) {
         return;
     }
+    dump_layer3(0, frame.skip(header_length));
 }
 
 }  // namespace ifwatch
