@@ -55,7 +55,7 @@ std::int32_t decimal(const char* text) { return static_cast<std::int32_t>(std::s
 
 /// What one option does: mode bits it sets, a filter it adds, or a setting it changes.
 struct option_rule {
-    int key;
+    int key = 0;
     std::uint32_t mode_bits = 0;
     char filter_kind = '\0';
     void (*apply)(options& settings, char* argument) = nullptr;
@@ -100,6 +100,7 @@ constexpr option_rule OPTION_RULES[] = {
             [](options& settings, char* argument) { settings.port = static_cast<std::uint16_t>(decimal(argument)); }),
     setting('r', [](options& settings, char* argument) { settings.target.capture_length = decimal(argument); }),
     setting('z', [](options& settings, char*) { settings.atm.flags |= 1; }),
+    // NOLINTNEXTLINE(readability-non-const-parameter): all rules have one signature, and --pwd wipes its argument
     setting('H', [](options& settings, char* argument) { settings.host = argument; }),
     setting('n', [](options&, char*) {}),  // accepted, without effect
     setting(OPTION_VPI, [](options& settings, char* argument) { settings.atm.vpi = decimal(argument); }),
@@ -113,6 +114,7 @@ constexpr option_rule OPTION_RULES[] = {
     setting(OPTION_PCAP_FILE, [](options& settings, char*) { settings.sink = SINK_FILE; }),
     setting(OPTION_PCAP_LINKTYPE,
             [](options& settings, char* argument) { settings.pcap_linktype = decimal(argument); }),
+    // NOLINTNEXTLINE(readability-non-const-parameter): as above
     setting(OPTION_OFILE, [](options& settings, char* argument) { settings.output_name = argument; }),
     setting(OPTION_PWD, [](options& settings, char* argument) { settings.password.take(argument); }),
     setting(OPTION_PRINT, [](options& settings, char*) { settings.print = true; }),

@@ -12,9 +12,9 @@ struct shown_record {
     display_context& context;
     const record_header& header;
     octets payload;
-    std::uint32_t original_length;
-    std::uint32_t event_code;  // 0: data
-    char direction = '.';      // 'X': sent by the router, 'R': received
+    std::uint32_t original_length = 0;
+    std::uint32_t event_code = 0;  // 0: data
+    char direction = '.';          // 'X': sent by the router, 'R': received
     bool has_cell_header = false;
     int cell_class = 0;  // of an ATM record
 };

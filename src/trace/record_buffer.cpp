@@ -19,7 +19,7 @@ bool allocate(record_buffer& buffer) {
 
 void fill_slot(record_buffer& buffer, std::span<const std::uint8_t, PROTO_LENGTH> protocol_part,
                std::uint32_t original_length, int captured_length, display_context& context) {
-    buffer.header = {.timestamp_ms = load_be32(&protocol_part[0]),
+    buffer.header = {.timestamp_ms = load_be32(protocol_part.data()),
                      .record_flags = load_be32(&protocol_part[4]),
                      .channel_info = load_be32(&protocol_part[8]),
                      .sequence = load_be32(&protocol_part[12])};

@@ -29,11 +29,11 @@ constexpr int TYPE_LAN_8023 = 7;
 constexpr const char* WRONG_ELEMENT = "received wrong ELEM";
 
 /// What a handler of a reply element makes of it.
-enum class reply_step { next_element, complete, broken };
+enum class reply_step { NEXT_ELEMENT, COMPLETE, BROKEN };
 
 /// One attempt to set up a session.
 struct attempt {
-    int socket_fd;
+    int socket_fd = -1;
     const session_settings& settings;
     const trace_target& target;
     std::int16_t channel_type = -1;
@@ -132,18 +132,18 @@ reply_step take_chantype(attempt& session) {
         default:
             report<"wrong CHANTYPE len %d\n">(session.received_length());
     }
-    return reply_step::next_element;
+    return reply_step::NEXT_ELEMENT;
 }
 
 reply_step take_rversion(attempt& session) {
     session.retry_version = session.data[0] != 0 ? session.data[0] : FAILED;
-    return reply_step::next_element;
+    return reply_step::NEXT_ELEMENT;
 }
 
 reply_step take_info(attempt& session) {
     if (session.received_length() != INFO_LENGTH) {
         report<"wrong INFO elem len %d != %d\n">(session.received_length(), INFO_LENGTH);
-        return reply_step::next_element;
+        return reply_step::NEXT_ELEMENT;
     }
     session.channel_type = static_cast<std::int16_t>(load_be16(&session.data[4]));
     std::uint32_t index = load_be32(session.data.data());
@@ -151,25 +151,25 @@ reply_step take_info(attempt& session) {
         index &= ~3U;
     }
     report<"Ifc: %7d Type: %3d (%s)\n">(index, session.channel_type, ifc_type_entry(session.channel_type).name);
-    return reply_step::next_element;
+    return reply_step::NEXT_ELEMENT;
 }
 
 reply_step take_error(attempt& session) {
     // The buffer is longer than any element's data, so that the text is terminated.
     session.error = reinterpret_cast<const char*>(session.data.data());
-    return reply_step::broken;
+    return reply_step::BROKEN;
 }
 
 reply_step take_element(attempt& session) {
     switch (session.type()) {
         case ELEMENT_END:
-            return reply_step::complete;
+            return reply_step::COMPLETE;
         case ELEMENT_CHANTYPE:
             return take_chantype(session);
         case ELEMENT_RVERSION:
             return take_rversion(session);
         case ELEMENT_IGNORED:
-            return reply_step::next_element;
+            return reply_step::NEXT_ELEMENT;
         case ELEMENT_ERROR:
             return take_error(session);
         case ELEMENT_INFO:
@@ -177,14 +177,14 @@ reply_step take_element(attempt& session) {
         default:
             report<"received elem %08x\n">(session.header);
             session.error = WRONG_ELEMENT;
-            return reply_step::broken;
+            return reply_step::BROKEN;
     }
 }
 
 /// Reads the daemon's reply up to its end element. False with the error noted.
 bool receive_reply(attempt& session) {
-    reply_step step = reply_step::next_element;
-    while (step == reply_step::next_element) {
+    reply_step step = reply_step::NEXT_ELEMENT;
+    while (step == reply_step::NEXT_ELEMENT) {
         if (!next_element(session)) {
             return false;
         }
@@ -195,7 +195,7 @@ bool receive_reply(attempt& session) {
         dump_message(std::span(session.data).first(static_cast<std::size_t>(session.data_length())));
         step = take_element(session);
     }
-    return step == reply_step::complete;
+    return step == reply_step::COMPLETE;
 }
 
 int finish(attempt& session, int& socket_out, display_context& context) {
