@@ -1,0 +1,471 @@
+// Session set-up against a scripted daemon: every message, every way it can end, in all three versions.
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <vector>
+
+#include "support/process.h"
+#include "support/scripted_daemon.h"
+
+namespace ifwatch::test {
+namespace {
+
+constexpr std::size_t REQUEST_LENGTH = 20;
+constexpr std::size_t AUTH_REPLY_LENGTH = 13;
+constexpr std::size_t PLAIN_ADDINFO_LENGTH = 8;  // START and the end element
+
+outcome trace(const scripted_daemon& daemon, std::vector<std::string> arguments, const std::string& input = "") {
+    arguments.insert(arguments.begin(), daemon.port_option());
+    return run({.program = IFWATCH_PROGRAM, .arguments = std::move(arguments), .environment = {}, .input = input});
+}
+
+std::string connected_to(const scripted_daemon& daemon) {
+    return "ifwatch: connected to 127.0.0.1:" + std::to_string(daemon.port()) + "\n";
+}
+
+std::string report_of(const std::string& type, const std::string& text) {
+    return "Ifc:1000 (Chan:0 Unit:0 Slot:1) Type: " + type + "\n " + text + "\n";
+}
+
+const std::string NO_TYPE = "-1 (not-found)";
+const std::string STREAM_END = "trc hdr too short! = 0<22\n";
+
+/// Version 3 up to the client's add-info: announces itself, challenges, takes the reply as it is.
+void log_in(const scripted_peer& client, std::size_t addinfo_length = PLAIN_ADDINFO_LENGTH) {
+    client.receive(REQUEST_LENGTH);
+    client.send_element(2, {3});
+    client.send_element(10, {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88});
+    client.receive(AUTH_REPLY_LENGTH + addinfo_length);
+}
+
+/// A version-3 daemon that sends `reply` behind the login and closes.
+scripted_daemon::script replying(std::vector<std::uint8_t> reply) {
+    return [reply = std::move(reply)](const scripted_peer& client) {
+        log_in(client);
+        client.send(reply);
+        client.receive_all();
+    };
+}
+
+/// The first word of a trace request.
+int version_of(const std::vector<std::uint8_t>& request) { return request.size() < 4 ? -1 : request[3]; }
+
+TEST(connecting, port_from_the_environment_wins_and_may_be_hexadecimal) {
+    const scripted_daemon daemon([](const scripted_peer& client) { client.receive(REQUEST_LENGTH); });
+    char hexadecimal[16];
+    std::snprintf(hexadecimal, sizeof hexadecimal, "0x%x", static_cast<unsigned>(daemon.port()));
+    const outcome got = run({.program = IFWATCH_PROGRAM,
+                             .arguments = {"-P1", "-V1", "127.0.0.1", "1000"},
+                             .environment = {{"TRACE_PORT", hexadecimal}}});
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "negative trace acknowledge"));
+}
+
+TEST(connecting, illegal_port_in_the_environment) {
+    for (const char* const port : {"70x", "", "x", "0x", "7000 "}) {
+        const outcome got = run(
+            {.program = IFWATCH_PROGRAM, .arguments = {"127.0.0.1", "1000"}, .environment = {{"TRACE_PORT", port}}});
+        EXPECT_EQ(got.errors, "Illegal TCP Port Setting " + std::string(port) + "!\n");
+        EXPECT_EQ(got.status, 1);
+    }
+}
+
+TEST(connecting, illegal_hosts) {
+    for (const std::string host : {"0.0.0.0", "255.255.255.255", "no-such-host.invalid"}) {
+        const outcome got = run({.program = IFWATCH_PROGRAM, .arguments = {host, "1000"}});
+        EXPECT_EQ(got.errors, "Illegal Host Setting " + host + "!\n");
+        EXPECT_EQ(got.status, 1);
+    }
+}
+
+TEST(connecting, refused) {
+    int free_port = 0;
+    {
+        const scripted_daemon gone([](const scripted_peer&) {});
+        free_port = gone.port();
+    }
+    const outcome got =
+        run({.program = IFWATCH_PROGRAM, .arguments = {"-vv", "-P" + std::to_string(free_port), "127.0.0.1", "1000"}});
+    EXPECT_EQ(got.errors,
+              "try connect to 127.0.0.1:" + std::to_string(free_port) + "\nERROR connect (Connection refused)\n");
+    EXPECT_EQ(got.status, 1);
+}
+
+TEST(version_1, acknowledge_octet_is_the_channel_type) {
+    std::vector<std::uint8_t> request;
+    const scripted_daemon daemon([&request](const scripted_peer& client) {
+        request = client.receive(REQUEST_LENGTH);
+        client.send({0xFE});
+    });
+    const outcome got = trace(daemon, {"-V1", "-r64", "127.0.0.1", "3", "2", "1"});
+    EXPECT_EQ(request, (std::vector<std::uint8_t>{0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 0, 64}));
+    EXPECT_EQ(got.errors, connected_to(daemon) + "Ifc:1203 (Chan:3 Unit:2 Slot:1) Type: -2 (PABX)\n \n" + STREAM_END);
+    EXPECT_EQ(got.status, 0);
+}
+
+TEST(version_1, without_an_acknowledge_octet) {
+    const scripted_daemon daemon([](const scripted_peer& client) { client.receive(REQUEST_LENGTH); });
+    const outcome got = trace(daemon, {"-V1", "127.0.0.1", "1000"});
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "negative trace acknowledge"));
+    EXPECT_EQ(got.status, 1);
+}
+
+TEST(version_2, sends_the_addinfo_without_a_login) {
+    std::vector<std::uint8_t> sent;
+    const scripted_daemon daemon([&sent](const scripted_peer& client) {
+        sent = client.receive(REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH);
+        client.send_element(1, {6});
+        client.send_element(0);
+    });
+    const outcome got = trace(daemon, {"-V2", "127.0.0.1", "1000"});
+    ASSERT_EQ(sent.size(), REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH);
+    EXPECT_EQ(version_of(sent), 2);
+    EXPECT_EQ(std::vector<std::uint8_t>(sent.begin() + REQUEST_LENGTH, sent.end()),
+              (std::vector<std::uint8_t>{0, 0, 0, 3, 0, 0, 0, 0}));
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of("6 (LAN)", "") + STREAM_END);
+    EXPECT_EQ(got.status, 0);
+}
+
+TEST(version_2, zero_and_negative_versions_go_its_way) {
+    for (const std::string version : {"-V0", "-V-5"}) {
+        const scripted_daemon daemon([](const scripted_peer& client) {
+            client.receive(REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH);
+            client.send_element(0);
+        });
+        EXPECT_EQ(trace(daemon, {version, "127.0.0.1", "1000"}).status, 0) << version;
+    }
+}
+
+TEST(version_3, logs_in_with_the_digest_of_the_password) {
+    std::vector<std::uint8_t> reply;
+    const scripted_daemon daemon([&reply](const scripted_peer& client) {
+        client.receive(REQUEST_LENGTH);
+        client.send_element(2, {3});
+        client.send_element(10, {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88});
+        reply = client.receive(AUTH_REPLY_LENGTH);
+        client.send_element(1, {0});
+        client.send_element(0);
+    });
+    const outcome got = trace(daemon, {"--pwd=secret", "127.0.0.1", "1000"});
+    // printf 'secret\x01\x11\x22\x33\x44\x55\x66\x77\x88secretadmin' | md5sum
+    EXPECT_EQ(reply, (std::vector<std::uint8_t>{0, 0, 9, 10, 1, 0xED, 0xB2, 0xA4, 0xC4, 0xE1, 0x65, 0x86, 0x19}));
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of("0 (ISDN D-channel)", "") + STREAM_END);
+    EXPECT_EQ(got.output, "");
+    EXPECT_EQ(got.status, 0);
+}
+
+TEST(version_3, tells_everything_at_the_highest_verbosity) {
+    const scripted_daemon daemon(replying({0, 0, 2, 1, 0, 6, 0, 0, 0, 0}));
+    const outcome got = trace(daemon, {"-vvv", "--pwd=secret", "127.0.0.1", "1000"});
+    const std::string port = std::to_string(daemon.port());
+    EXPECT_EQ(got.errors, "try connect to 127.0.0.1:" + port + "\n" + connected_to(daemon) +
+                              "written vtrace: V.3, 1/0/0 tlen: -1\n"
+                              "got RVERSION 3\n"
+                              "got AUTH random (V.1): 0x4433221188776655\n"
+                              "calced auth: 0xc4a4b2ed198665e1\n"
+                              "written AUTH (len 13)\n"
+                              "written addinfo len:8\n"
+                              "got ELEM 1 (len 2)\n"
+                              "got ELEM 0 (len 0)\n" +
+                              report_of("6 (LAN)", "") + STREAM_END);
+    EXPECT_EQ(got.output,
+              "0000: 00 00 09 0a 01 ed b2 a4  c4 e1 65 86 19           ..........e..   \n"
+              "0000: 00 00 00 03 00 00 00 00                           ........        \n"
+              "0000: 00 06                                             ..              \n");
+}
+
+TEST(version_3, tells_less_at_lower_levels) {
+    const scripted_daemon daemon(replying({0, 0, 1, 1, 6, 0, 0, 0, 0}));
+    const outcome once = trace(daemon, {"-v", "--pwd=x", "127.0.0.1", "1000"});
+    EXPECT_EQ(once.errors, connected_to(daemon) + "got RVERSION 3\n" + report_of("6 (LAN)", "") + STREAM_END);
+    const outcome twice = trace(daemon, {"-v", "-v", "--pwd=secret", "127.0.0.1", "1000"});
+    EXPECT_EQ(twice.errors, "try connect to 127.0.0.1:" + std::to_string(daemon.port()) + "\n" + connected_to(daemon) +
+                                "written vtrace: V.3, 1/0/0 tlen: -1\ngot RVERSION 3\n"
+                                "got AUTH random (V.1): 0x4433221188776655\nwritten AUTH (len 13)\n"
+                                "written addinfo len:8\ngot ELEM 1 (len 1)\ngot ELEM 0 (len 0)\n" +
+                                report_of("6 (LAN)", "") + STREAM_END);
+    EXPECT_EQ(twice.output, "");
+}
+
+TEST(version_3, without_its_version_the_client_falls_back_to_version_1) {
+    std::atomic<int> second_version = -1;
+    const scripted_daemon daemon({[](const scripted_peer& client) {
+                                      client.receive(REQUEST_LENGTH);
+                                      client.send_element(2, {3, 0});
+                                  },
+                                  [&second_version](const scripted_peer& client) {
+                                      second_version = version_of(client.receive(REQUEST_LENGTH));
+                                      client.send({6});
+                                  }});
+    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
+    EXPECT_EQ(second_version, 1);
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "no RVERSION received") + connected_to(daemon) +
+                              report_of("6 (LAN)", "") + STREAM_END);
+    EXPECT_EQ(got.status, 0);
+}
+
+TEST(version_3, a_second_failure_is_final) {
+    std::atomic<int> connections = 0;
+    const scripted_daemon daemon([&connections](const scripted_peer& client) {
+        ++connections;
+        client.receive(REQUEST_LENGTH);
+    });
+    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
+    EXPECT_EQ(connections, 2);
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "missing elem header data") + connected_to(daemon) +
+                              report_of(NO_TYPE, "negative trace acknowledge"));
+    EXPECT_EQ(got.status, 1);
+}
+
+TEST(version_3, without_a_challenge) {
+    const scripted_daemon daemon([](const scripted_peer& client) {
+        if (version_of(client.receive(REQUEST_LENGTH)) == 3) {
+            client.send_element(2, {3});
+            client.send_element(1, {6});
+        }
+    });
+    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "no authentication received") +
+                              connected_to(daemon) + report_of(NO_TYPE, "negative trace acknowledge"));
+}
+
+TEST(version_3, a_short_challenge_is_filled_with_zeros) {
+    std::vector<std::uint8_t> reply;
+    const scripted_daemon daemon([&reply](const scripted_peer& client) {
+        client.receive(REQUEST_LENGTH);
+        client.send_element(2, {3});
+        client.send_element(10, std::initializer_list<int>{});
+        reply = client.receive(AUTH_REPLY_LENGTH);
+        client.send_element(0);
+    });
+    EXPECT_EQ(trace(daemon, {"--pwd=", "127.0.0.1", "1000"}).status, 0);
+    // printf '\0\0\0\0\0\0\0\0\0admin' | md5sum
+    EXPECT_EQ(reply, (std::vector<std::uint8_t>{0, 0, 9, 10, 0, 0x8F, 0x86, 0x66, 0x47, 0x86, 0xA1, 0xC5, 0xF7}));
+}
+
+TEST(reply, another_version_is_tried_when_the_daemon_asks_for_it) {
+    std::atomic<int> second_version = -1;
+    const scripted_daemon daemon({[](const scripted_peer& client) {
+                                      log_in(client);
+                                      client.send_element(2, {2});
+                                  },
+                                  [&second_version](const scripted_peer& client) {
+                                      second_version =
+                                          version_of(client.receive(REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH));
+                                      client.send_element(1, {1});
+                                      client.send_element(0);
+                                  }});
+    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
+    EXPECT_EQ(second_version, 2);
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "missing elem header data") + connected_to(daemon) +
+                              report_of("1 (ISDN B-channel)", "") + STREAM_END);
+    EXPECT_EQ(got.status, 0);
+}
+
+struct reply_case {
+    const char* name;
+    std::vector<std::uint8_t> reply;
+    const char* messages;  // before the report line
+    const char* type;
+    const char* text;
+    int connections = 1;
+};
+
+class refused_reply : public testing::TestWithParam<reply_case> {};
+
+TEST_P(refused_reply, ends_the_session) {
+    std::atomic<int> connections = 0;
+    const scripted_daemon daemon([&connections](const scripted_peer& client) {
+        if (++connections == 1) {
+            log_in(client);
+            client.send(GetParam().reply);
+        }
+    });
+    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
+    const std::string first = connected_to(daemon) + GetParam().messages + report_of(GetParam().type, GetParam().text);
+    EXPECT_EQ(got.errors.substr(0, first.size()), first);
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(connections, GetParam().connections);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    replies, refused_reply,
+    testing::Values(
+        reply_case{"nothing", {}, "", "-1 (not-found)", "missing elem header data", 2},
+        reply_case{"header_cut", {0, 0}, "", "-1 (not-found)", "missing elem header data", 2},
+        reply_case{"data_cut", {0, 0, 2, 1, 0}, "", "-1 (not-found)", "missing elem data", 2},
+        reply_case{"cut_behind_an_element", {0, 0, 1, 1, 6, 0}, "", "6 (LAN)", "missing elem header data"},
+        reply_case{"too_long", {0, 0, 100, 5}, "", "-1 (not-found)", "read buffer overflow", 2},
+        reply_case{
+            "error_text", {0, 0, 1, 1, 6, 0, 0, 7, 5, 'n', 'o', ' ', 'l', 'i', 'n', 'e'}, "", "6 (LAN)", "no line"},
+        reply_case{"empty_error_text", {0, 0, 0, 5}, "", "-1 (not-found)", ""},
+        reply_case{"error_of_open_length", {0xFF, 0xFF, 0xFF, 5}, "", "-1 (not-found)", ""},
+        reply_case{"start", {0, 0, 0, 3}, "received elem 00000003\n", "-1 (not-found)", "received wrong ELEM"},
+        reply_case{
+            "filter", {0xFF, 0xFF, 0xFF, 6}, "received elem ffffff06\n", "-1 (not-found)", "received wrong ELEM"},
+        reply_case{"vci", {0, 0, 2, 7, 1, 2}, "received elem 00000207\n", "-1 (not-found)", "received wrong ELEM"},
+        reply_case{"vpi", {0, 0, 1, 8, 1}, "received elem 00000108\n", "-1 (not-found)", "received wrong ELEM"},
+        reply_case{"line_flag", {0, 0, 0, 9}, "received elem 00000009\n", "-1 (not-found)", "received wrong ELEM"},
+        reply_case{
+            "second_challenge", {0, 0, 0, 10}, "received elem 0000000a\n", "-1 (not-found)", "received wrong ELEM"},
+        reply_case{"unknown_type", {0, 0, 0, 200}, "received elem 000000c8\n", "-1 (not-found)", "received wrong ELEM"},
+        reply_case{"version_zero", {0, 0, 1, 2, 0}, "", "-1 (not-found)", "missing elem header data"},
+        reply_case{"version_missing", {0, 0, 0, 2}, "", "-1 (not-found)", "missing elem header data"},
+        reply_case{"version_200", {0, 0, 1, 2, 200}, "", "-1 (not-found)", "missing elem header data", 2},
+        reply_case{"a_later_element_takes_the_version_back",
+                   {0, 0, 1, 2, 2, 0, 0, 0, 4},
+                   "",
+                   "-1 (not-found)",
+                   "missing elem header data"}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST(reply, elements_that_change_nothing) {
+    // An ignored element, a channel type and an interface of wrong lengths, then the channel type in two octets.
+    const scripted_daemon daemon(replying({0,    0,    3,    4,  1, 2, 3,  //
+                                           0,    0,    3,    1,  0, 0, 9,  //
+                                           0xFF, 0xFF, 0xFF, 1,            //
+                                           0,    0,    2,    11, 0, 1,     //
+                                           0,    0,    2,    1,  0, 6, 0, 0, 0, 0}));
+    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
+    EXPECT_EQ(got.errors, connected_to(daemon) +
+                              "wrong CHANTYPE len 3\nwrong CHANTYPE len 16777215\nwrong INFO elem len 2 != 8\n" +
+                              report_of("6 (LAN)", "") + STREAM_END);
+    EXPECT_EQ(got.status, 0);
+}
+
+TEST(list, shows_every_interface_and_ends_with_the_stream) {
+    std::vector<std::uint8_t> addinfo;
+    std::vector<std::uint8_t> request;
+    const scripted_daemon daemon([&](const scripted_peer& client) {
+        request = client.receive(REQUEST_LENGTH);
+        client.send_element(2, {3});
+        client.send_element(10, {1, 1, 2, 3, 4, 5, 6, 7, 8});
+        client.receive(AUTH_REPLY_LENGTH);
+        addinfo = client.receive(PLAIN_ADDINFO_LENGTH);
+        client.send_element(11, {0, 0, 0x08, 0x34, 0, 0, 9, 9});
+        client.send_element(11, {0, 0, 0x03, 0xEB, 0, 7, 0, 0});
+        client.send_element(11, {0, 1, 0x86, 0xA1, 0, 131, 0, 0});
+        client.send_element(11, {0, 0, 0, 1, 0, 200, 0, 0});
+        client.send_element(11, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFE, 0, 0});
+        client.send_element(0);
+    });
+    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1"});
+    EXPECT_EQ(request,
+              (std::vector<std::uint8_t>{0, 0, 0, 3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF}));
+    EXPECT_EQ(addinfo, (std::vector<std::uint8_t>{0, 0, 0, 11, 0, 0, 0, 0}));
+    EXPECT_EQ(got.errors, connected_to(daemon) +
+                              "Ifc:    2100 Type:   0 (ISDN D-channel)\n"
+                              "Ifc:    1000 Type:   7 (LAN 802.3)\n"
+                              "Ifc:  100001 Type: 131 (Tunnel)\n"
+                              "Ifc:       1 Type: 200 (unknown)\n"
+                              "Ifc:      -1 Type:  -2 (PABX)\n"
+                              " \n" +
+                              STREAM_END);
+    EXPECT_EQ(got.output, "");
+    EXPECT_EQ(got.status, 0);
+}
+
+TEST(list, a_failure_prints_only_its_text) {
+    const scripted_daemon daemon(replying({0, 0, 4, 5, 'b', 'u', 's', 'y'}));
+    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1"});
+    EXPECT_EQ(got.errors, connected_to(daemon) + " busy\n");
+    EXPECT_EQ(got.status, 1);
+}
+
+TEST(password, is_asked_for_and_cut_at_31_characters) {
+    std::vector<std::uint8_t> reply;
+    const scripted_daemon daemon([&reply](const scripted_peer& client) {
+        client.receive(REQUEST_LENGTH);
+        client.send_element(2, {3});
+        client.send_element(10, {1, 0, 0, 0, 0, 0, 0, 0, 0});
+        reply = client.receive(AUTH_REPLY_LENGTH);
+        client.send_element(0);
+    });
+    const std::string cut = "0123456789012345678901234567890";
+    const outcome got = trace(daemon, {"-vvv", "127.0.0.1", "1000"}, cut + "tail\nmore\n");
+    EXPECT_NE(got.errors.find("Enter remote password: got AUTH random"), std::string::npos) << got.errors;
+    EXPECT_EQ(got.output.substr(0, got.output.find('\n') + 1), "pwd:" + cut + ". (31)\n");
+    const auto asked = reply;
+    trace(daemon, {"--pwd=" + cut, "127.0.0.1", "1000"});
+    EXPECT_EQ(reply, asked);
+}
+
+TEST(password, empty_at_the_end_of_input_and_stripped_of_its_line_end) {
+    const scripted_daemon daemon(replying({0, 0, 0, 0}));
+    EXPECT_EQ(trace(daemon, {"-vvv", "127.0.0.1", "1000"}, "").output.substr(0, 10), "pwd:. (0)\n");
+    EXPECT_EQ(trace(daemon, {"-vvv", "127.0.0.1", "1000"}, "abc\r\n").output.substr(0, 13), "pwd:abc. (3)\n");
+}
+
+TEST(password, from_the_environment) {
+    const scripted_daemon daemon(replying({0, 0, 0, 0}));
+    const outcome got = run({.program = IFWATCH_PROGRAM,
+                             .arguments = {daemon.port_option(), "127.0.0.1", "1000"},
+                             .environment = {{"TRACE_PWD", "secret"}}});
+    EXPECT_EQ(got.errors,
+              connected_to(daemon) + "using environ $TRACE_PWD as password\n" + report_of(NO_TYPE, "") + STREAM_END);
+    const outcome given = run({.program = IFWATCH_PROGRAM,
+                               .arguments = {daemon.port_option(), "--pwd=x", "127.0.0.1", "1000"},
+                               .environment = {{"TRACE_PWD", "secret"}}});
+    EXPECT_EQ(given.errors, connected_to(daemon) + report_of(NO_TYPE, "") + STREAM_END);
+}
+
+TEST(channel_test, prints_a_line_for_each_unit_that_answers) {
+    // Slot 2 has one unit with channels 0 and 1; slot 5 answers for units 0 and 1, channel 0 only.
+    const scripted_daemon daemon([](const scripted_peer& client) {
+        const auto request = client.receive(REQUEST_LENGTH);
+        if (request.size() < REQUEST_LENGTH) {
+            return;
+        }
+        const int slot = request[7];
+        const int unit = request[11];
+        const int channel = request[15];
+        if ((slot == 2 && unit == 20) || (slot == 2 && unit == 0 && channel <= 1)) {
+            client.send({channel});
+        } else if (slot == 5 && unit < 2 && channel == 0) {
+            client.send({0xFE});
+        }
+    });
+    for (const std::string version : {"-V1", "-V2"}) {
+        const outcome got = trace(daemon, {version, "127.0.0.1"});
+        EXPECT_EQ(got.output,
+                  "Testing available trace channels:\nChMax Unit Slot ChType\n"
+                  "    1    0    2  -  1\n"
+                  "    0    0    5  -  -2\n"
+                  "    0    1    5  -  -2\n");
+        EXPECT_EQ(got.errors, "");
+        EXPECT_EQ(got.status, 1);
+    }
+}
+
+TEST(channel_test, shows_its_requests_at_higher_verbosity) {
+    std::vector<std::uint8_t> first;
+    const scripted_daemon daemon([&first](const scripted_peer& client) {
+        const auto request = client.receive(REQUEST_LENGTH);
+        if (first.empty()) {
+            first = request;
+        }
+    });
+    const outcome got = trace(daemon, {"-vv", "-V1", "127.0.0.1"});
+    EXPECT_EQ(version_of(first), 3) << "the request names the version of the target block, whatever was asked for";
+    const std::string attempt =
+        "try connect to 127.0.0.1:" + std::to_string(daemon.port()) + "\n" + connected_to(daemon);
+    EXPECT_EQ(got.errors.substr(0, 2 * attempt.size() + 36),
+              attempt + attempt + "written vtrace: V.3, 0/20/0 tlen: -1");
+}
+
+TEST(channel_test, an_unreachable_router_prints_only_the_error) {
+    int free_port = 0;
+    {
+        const scripted_daemon gone([](const scripted_peer&) {});
+        free_port = gone.port();
+    }
+    const outcome got =
+        run({.program = IFWATCH_PROGRAM, .arguments = {"-V2", "-P" + std::to_string(free_port), "127.0.0.1"}});
+    EXPECT_EQ(got.output, "");
+    EXPECT_EQ(got.errors, "ERROR connect (Connection refused)\n");
+    EXPECT_EQ(got.status, 1);
+}
+
+}  // namespace
+}  // namespace ifwatch::test
