@@ -1,0 +1,270 @@
+#include "sim/options.h"
+
+#include <getopt.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <string_view>
+
+#include "sim/text_parts.h"
+
+namespace ifwatch::sim {
+
+namespace {
+
+constexpr std::int64_t MAX_COUNT = std::numeric_limits<std::uint32_t>::max();
+
+bool parse_port(const std::string& text, daemon_setup& setup) {
+    const auto value = parse_number(text, 0, 0xFFFF);
+    setup.port = static_cast<std::uint16_t>(value.value_or(0));
+    return value.has_value();
+}
+
+bool parse_version(const std::string& text, daemon_setup& setup) {
+    const auto value = parse_number(text, 1, 3);
+    setup.version = static_cast<int>(value.value_or(0));
+    return value.has_value();
+}
+
+/// One of the words of a table.
+template <class Value>
+struct named_choice {
+    std::string_view word;
+    Value value;
+};
+
+template <class Value, std::size_t N>
+bool parse_choice(const named_choice<Value> (&choices)[N], const std::string& text, Value& chosen) {
+    for (const named_choice<Value>& choice : choices) {
+        if (choice.word == text) {
+            chosen = choice.value;
+            return true;
+        }
+    }
+    return false;
+}
+
+constexpr named_choice<refusal> REFUSALS[] = {
+    {"reply", refusal::REPLY}, {"close", refusal::CLOSE}, {"serve", refusal::SERVE}};
+
+constexpr named_choice<session_step> STEPS[] = {
+    {"connect", session_step::CONNECT},     {"request", session_step::REQUEST}, {"version", session_step::VERSION},
+    {"challenge", session_step::CHALLENGE}, {"login", session_step::LOGIN},     {"addinfo", session_step::ADDINFO},
+    {"chantype", session_step::CHANTYPE},   {"reply", session_step::REPLY},
+};
+
+bool parse_positive(const std::string& text, double& value) {
+    char* end = nullptr;
+    value = std::strtod(text.c_str(), &end);
+    return end != text.c_str() && *end == '\0' && std::isfinite(value) && value > 0;
+}
+
+bool parse_count(const std::string& text, std::int64_t minimum, std::uint64_t& count) {
+    const auto value = parse_number(text, minimum, MAX_COUNT);
+    count = static_cast<std::uint64_t>(value.value_or(0));
+    return value.has_value();
+}
+
+bool set_listen(const std::string& text, daemon_setup& setup) {
+    setup.listen = text;
+    return !text.empty();
+}
+bool set_port_file(const std::string& text, daemon_setup& setup) {
+    setup.port_file = text;
+    return !text.empty();
+}
+bool set_password(const std::string& text, daemon_setup& setup) {
+    setup.password = text;
+    return true;
+}
+bool set_refusal(const std::string& text, daemon_setup& setup) {
+    return parse_choice(REFUSALS, text, setup.on_other_version);
+}
+bool set_error(const std::string& text, daemon_setup& setup) {
+    setup.error_text = text;
+    return !text.empty();
+}
+bool set_close_after(const std::string& text, daemon_setup& setup) {
+    return parse_choice(STEPS, text, setup.close_after);
+}
+bool set_pace(const std::string& text, daemon_setup& setup) {
+    return parse_positive(text == "real" ? "1" : text, setup.pace);
+}
+bool set_rate(const std::string& text, daemon_setup& setup) { return parse_positive(text, setup.rate); }
+bool set_loop(const std::string& text, daemon_setup& setup) { return parse_count(text, 0, setup.loops); }
+bool set_sessions(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.sessions); }
+bool set_once(const std::string&, daemon_setup& setup) {
+    setup.sessions = 1;
+    return true;
+}
+bool set_fault(const std::string& text, daemon_setup& setup) { return parse_fault(text, setup.trouble); }
+bool set_verbose(const std::string&, daemon_setup& setup) {
+    setup.verbose = true;
+    return true;
+}
+
+struct known_option {
+    const char* name;
+    bool (*apply)(const std::string& text, daemon_setup& setup);
+    const char* takes;  // nullptr: no argument
+};
+
+constexpr known_option OPTIONS[] = {
+    {"listen", set_listen, "an IPv4 address"},
+    {"port", parse_port, "a port from 0 to 65535"},
+    {"port-file", set_port_file, "a file name"},
+    {"password", set_password, "a text"},
+    {"version", parse_version, "1, 2 or 3"},
+    {"refuse", set_refusal, "reply, close or serve"},
+    {"error", set_error, "a text"},
+    {"close-after", set_close_after, "connect, request, version, challenge, login, addinfo, chantype or reply"},
+    {"pace", set_pace, "real or a factor above 0"},
+    {"rate", set_rate, "a number of records a second above 0"},
+    {"loop", set_loop, "a number of rounds, 0 for no end"},
+    {"sessions", set_sessions, "a number of sessions"},
+    {"once", set_once, nullptr},
+    {"fault", set_fault, "cut=N, drip, silence=N, length=record:N:LENGTH or length=element:TYPE:LENGTH"},
+    {"verbose", set_verbose, nullptr},
+    {"help", nullptr, nullptr},
+};
+constexpr int OPTION_COUNT = static_cast<int>(std::size(OPTIONS));
+constexpr int FIRST_CODE = 1000;  // of the long options, beyond any character
+constexpr int NOT_KNOWN = OPTION_COUNT;
+
+/// The index of the next option in the table, -1 at their end, NOT_KNOWN for one that is wrong.
+int next_option(int argc, char** argv) {
+    option longs[OPTION_COUNT + 1] = {};
+    for (int i = 0; i < OPTION_COUNT; ++i) {
+        longs[i] = {OPTIONS[i].name, OPTIONS[i].takes != nullptr ? required_argument : no_argument, nullptr,
+                    FIRST_CODE + i};
+    }
+    const int code = getopt_long(argc, argv, ":hv", longs, nullptr);
+    if (code == 'h') {
+        return OPTION_COUNT - 1;
+    }
+    if (code == 'v') {
+        return OPTION_COUNT - 2;
+    }
+    return code >= FIRST_CODE ? code - FIRST_CODE : (code == -1 ? -1 : NOT_KNOWN);
+}
+
+bool parse_length_fault(std::string_view text, fault& trouble) {
+    const std::size_t first = text.find(':');
+    const std::size_t second = text.find(':', first + 1);
+    if (first == std::string_view::npos || second == std::string_view::npos) {
+        return false;
+    }
+    const std::string_view what = text.substr(0, first);
+    const bool of_record = what == "record";
+    const auto which =
+        parse_number(text.substr(first + 1, second - first - 1), of_record ? 1 : 0, of_record ? MAX_COUNT : 0xFF);
+    const auto length = parse_number(text.substr(second + 1), 0, of_record ? 0xFFFF : 0xFFFFFF);
+    if ((!of_record && what != "element") || !which || !length) {
+        return false;
+    }
+    trouble.kind = of_record ? fault_kind::RECORD_LENGTH : fault_kind::ELEMENT_LENGTH;
+    trouble.record = of_record ? static_cast<std::uint64_t>(*which) : 0;
+    trouble.element = of_record ? 0 : static_cast<int>(*which);
+    trouble.length = static_cast<std::uint32_t>(*length);
+    return true;
+}
+
+constexpr char HELP[] =
+    R"(ifwatch-sim: plays the trace daemon of a router from case files.
+
+Examples:
+  ifwatch-sim demo.case                     serve one interface; watch it with
+                                            ifwatch --pwd=admin 127.0.0.1 1000
+  ifwatch-sim --pace real lan.case isdn.case
+                                            two interfaces, frames at the speed of their time stamps
+  ifwatch-sim --port 0 --once demo.case     any free port, end after one trace
+  ifwatch-sim --version 1 --refuse serve isdn.case
+                                            an old router, as ifwatch -V1 probes its channels
+  ifwatch-sim --fault cut=3 demo.case       the connection breaks inside the third record
+
+Usage: ifwatch-sim [OPTIONS] CASE...
+
+Each case file holds one interface: its channel type, its index (an "interface" line; 1000 when there is only one
+case) and the records that cross it.
+
+Serving:
+  --listen ADDR       address to listen on (127.0.0.1)
+  --port N            port to listen on (7000); 0 takes any free one
+  --port-file FILE    write the port to FILE
+  --password TEXT     the password of the login (admin)
+  --once              end after one trace session
+  --sessions N        end after N trace sessions
+  -v, --verbose       report each client on the error stream
+The first line on the standard output is "listening on ADDR:PORT".
+
+Pace (full speed unless told otherwise):
+  --pace real         send records at the speed of their time stamps
+  --pace FACTOR       that many times as fast
+  --rate N            send N records a second
+  --loop N            send the records N times, 0 for no end; time stamps and sequence numbers go on
+
+Other daemons:
+  --version N         speak only version N (1, 2 or 3)
+  --refuse STYLE      a client of another version: "reply" tells it the version inside the reply and closes (the
+                      default), "close" closes at once, "serve" serves it in version N
+  --error TEXT        send an error element with TEXT instead of the reply
+  --close-after STEP  close behind a step of the session: connect, request, version, challenge, login, addinfo,
+                      chantype or reply
+
+Faults:
+  --fault cut=N       cut the connection in the middle of record N
+  --fault drip        send every octet on its own
+  --fault silence=N   send N records, then nothing, and keep the connection
+  --fault length=record:N:LENGTH      record N tells LENGTH as its length
+  --fault length=element:TYPE:LENGTH  elements of TYPE tell LENGTH as their length
+
+Exit status: 0 after the sessions asked for, or an interrupt or terminate signal; 2 for a mistake on the command line,
+in a case file, or when the port cannot be opened.
+)";
+
+}  // namespace
+
+bool parse_fault(const std::string& text, fault& trouble) {
+    trouble = {};
+    const std::size_t equals = text.find('=');
+    const std::string word = text.substr(0, equals);
+    const std::string rest = equals == std::string::npos ? std::string() : text.substr(equals + 1);
+    if (word == "drip") {
+        trouble.kind = fault_kind::DRIP;
+        return equals == std::string::npos;
+    }
+    if (word == "length") {
+        return parse_length_fault(rest, trouble);
+    }
+    trouble.kind = word == "cut" ? fault_kind::CUT : fault_kind::SILENCE;
+    return (word == "cut" || word == "silence") && parse_count(rest, word == "cut" ? 1 : 0, trouble.record);
+}
+
+bool parse_options(int argc, char** argv, sim_options& options, std::string& error) {
+    opterr = 0;
+    optind = 1;
+    for (int index = next_option(argc, argv); index != -1; index = next_option(argc, argv)) {
+        if (index == NOT_KNOWN) {
+            error = "unknown option or missing argument: " + quoted(argv[optind - 1]);
+            return false;
+        }
+        const known_option& known = OPTIONS[index];
+        if (known.apply == nullptr) {
+            options.help = true;
+            return true;
+        }
+        const std::string text = optarg != nullptr ? optarg : "";
+        if (!known.apply(text, options.setup)) {
+            error = "--" + std::string(known.name) + " takes " + known.takes + ", not " + quoted(text);
+            return false;
+        }
+    }
+    options.cases.assign(argv + optind, argv + argc);
+    error = options.cases.empty() ? "no case file given" : "";
+    return error.empty();
+}
+
+const char* help_text() { return HELP; }
+
+}  // namespace ifwatch::sim

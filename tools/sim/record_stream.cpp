@@ -1,0 +1,154 @@
+#include "sim/record_stream.h"
+
+#include <chrono>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "sim/channel_types.h"
+#include "sim/record_source.h"
+#include "trace/element.h"
+
+namespace ifwatch::sim {
+
+namespace {
+
+using clock = std::chrono::steady_clock;
+
+constexpr std::size_t BATCH = 64 * 1024;
+constexpr std::uint32_t EVENT_LAYER_1 = 7;
+
+bool selects_atm(const record_selection& selection, const case_record& record) {
+    const std::uint32_t event = record.info & 0xFF;
+    if (event == EVENT_LAYER_1) {
+        return true;
+    }
+    const int vpi = static_cast<int>(record.info >> 24);
+    const int vci = static_cast<int>(record.info >> 8 & 0xFFFF);
+    return selection.vpi.value_or(vpi) == vpi && selection.vci.value_or(vci) == vci;
+}
+
+/// The stream of records to one client: collected at full speed, sent when the batch is full or something is waited
+/// for.
+class record_sender {
+public:
+    record_sender(peer& client, const daemon_setup& setup, const record_selection& selection)
+        : client_(client), setup_(setup), selection_(selection) {}
+
+    std::uint64_t run();
+
+private:
+    bool send_round(std::uint64_t round, const loop_step& step);
+    bool send_record(const case_record& record);
+    bool apply_fault();
+    bool wait_for_turn(std::uint32_t time_ms);
+    [[nodiscard]] clock::time_point due(std::uint32_t time_ms) const;
+    bool flush();
+
+    peer& client_;
+    const daemon_setup& setup_;
+    const record_selection& selection_;
+    std::vector<std::uint8_t> batch_;
+    std::size_t record_start_ = 0;  // of the newest record in the batch
+    clock::time_point start_ = clock::now();
+    std::uint64_t number_ = 0;  // of the newest record
+    std::uint64_t sent_ = 0;
+};
+
+std::uint64_t record_sender::run() {
+    const loop_step step = step_of(selection_.source.records);
+    bool going = !selection_.source.records.empty();
+    for (std::uint64_t round = 0; going && (setup_.loops == 0 || round < setup_.loops); ++round) {
+        const std::uint64_t before = number_;
+        going = send_round(round, step) && number_ != before;
+    }
+    if (flush() && setup_.trouble.kind == fault_kind::SILENCE) {
+        client_.wait_for_end();
+    }
+    return sent_;
+}
+
+bool record_sender::send_round(std::uint64_t round, const loop_step& step) {
+    for (const case_record& original : selection_.source.records) {
+        if (!selects(selection_, original)) {
+            continue;
+        }
+        case_record record = original;
+        record.timestamp_ms += static_cast<std::uint32_t>(round) * step.time_ms;
+        record.sequence += static_cast<std::uint32_t>(round) * step.sequence;
+        if (!send_record(record)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool record_sender::send_record(const case_record& record) {
+    const bool silent = setup_.trouble.kind == fault_kind::SILENCE && setup_.trouble.record == sent_;
+    if (silent || !wait_for_turn(record.timestamp_ms)) {
+        return false;
+    }
+    ++number_;
+    record_start_ = batch_.size();
+    append_record(batch_, record, selection_.capture_length);
+    if (!apply_fault()) {
+        return false;
+    }
+    ++sent_;
+    return batch_.size() < BATCH || flush();
+}
+
+/// False when the fault ends the stream.
+bool record_sender::apply_fault() {
+    const fault& trouble = setup_.trouble;
+    if (trouble.record != number_) {
+        return true;
+    }
+    if (trouble.kind == fault_kind::RECORD_LENGTH) {
+        store_be16(&batch_[record_start_], static_cast<std::uint16_t>(trouble.length));
+        return true;
+    }
+    if (trouble.kind == fault_kind::CUT) {
+        batch_.resize(record_start_ + (batch_.size() - record_start_) / 2);
+    }
+    return trouble.kind != fault_kind::CUT;
+}
+
+bool record_sender::wait_for_turn(std::uint32_t time_ms) {
+    if (setup_.pace <= 0 && setup_.rate <= 0) {
+        return true;
+    }
+    const clock::time_point when = due(time_ms);
+    return clock::now() >= when || (flush() && client_.wait_until(when));
+}
+
+clock::time_point record_sender::due(std::uint32_t time_ms) const {
+    using seconds = std::chrono::duration<double>;
+    const auto since_first = static_cast<std::int32_t>(time_ms - selection_.source.records.front().timestamp_ms);
+    const double after =
+        setup_.rate > 0 ? static_cast<double>(number_) / setup_.rate : since_first / 1000.0 / setup_.pace;
+    return start_ + std::chrono::duration_cast<clock::duration>(seconds(after));
+}
+
+bool record_sender::flush() {
+    const bool done = client_.send(batch_);
+    batch_.clear();
+    return done;
+}
+
+}  // namespace
+
+bool selects(const record_selection& selection, const case_record& record) {
+    const int channel_type = selection.source.channel_type;
+    if (channel_type == CHANNEL_ATM || channel_type == CHANNEL_ATM_OLD) {
+        return selects_atm(selection, record);
+    }
+    const auto fields = read_frame_fields(channel_type, record.data);
+    return !fields || passes(selection.filter, *fields);
+}
+
+std::uint64_t send_records(peer& client, const daemon_setup& setup, const record_selection& selection) {
+    return record_sender(client, setup, selection).run();
+}
+
+}  // namespace ifwatch::sim
