@@ -1,10 +1,10 @@
 #include "client/signals.h"
 
-#include <limits.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstring>
 
@@ -16,6 +16,7 @@ namespace ifwatch {
 
 namespace {
 
+// NOLINTNEXTLINE(*-avoid-non-const-global-variables): all that a handler can reach
 std::atomic<const char*> pipe_to_remove = nullptr;
 static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler reads it");
 
@@ -55,8 +56,8 @@ void end_by_broken_pipe(int number) {
     if (name != nullptr) {
         unlink(name);
     }
-    std::signal(number, SIG_DFL);
-    std::raise(number);
+    static_cast<void>(std::signal(number, SIG_DFL));
+    static_cast<void>(std::raise(number));
 }
 
 void install(int number, void (*handler)(int)) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <limits.h>
+#include <climits>
 
 #include "base/text_sink.h"
 #include "client/options.h"
