@@ -6,7 +6,7 @@ namespace ifwatch {
 
 namespace {
 
-// NOLINTNEXTLINE(*-avoid-non-const-global-variables): set once, at the start
+// NOLINTNEXTLINE(*-avoid-non-const-global-variables): a process has one
 char name[PROGRAM_NAME_LENGTH + 1] = "ifwatch";
 
 }  // namespace

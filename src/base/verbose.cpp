@@ -2,6 +2,6 @@
 
 namespace ifwatch {
 
-int verbose_level = 0;  // NOLINT(*-avoid-non-const-global-variables): set once, by the options
+int verbose_level = 0;  // NOLINT(*-avoid-non-const-global-variables): a run has one
 
 }  // namespace ifwatch

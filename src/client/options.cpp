@@ -58,12 +58,12 @@ struct option_rule {
     int key = 0;
     std::uint32_t mode_bits = 0;
     char filter_kind = '\0';
-    void (*apply)(options& settings, char* argument) = nullptr;
+    void (*apply)(options& settings, const char* argument) = nullptr;
 };
 
 constexpr option_rule mode(char letter, std::uint32_t bits) { return {.key = letter, .mode_bits = bits}; }
 constexpr option_rule filter(int key, char kind) { return {.key = key, .filter_kind = kind}; }
-constexpr option_rule setting(int key, void (*apply)(options&, char*)) { return {.key = key, .apply = apply}; }
+constexpr option_rule setting(int key, void (*apply)(options&, const char*)) { return {.key = key, .apply = apply}; }
 
 constexpr option_rule OPTION_RULES[] = {
     mode('h', MODE_HEX),
@@ -84,43 +84,41 @@ constexpr option_rule OPTION_RULES[] = {
     mode('X', MODE_PPP_X75),
     {.key = 'T',
      .mode_bits = MODE_TEI_FILTER,
-     .apply = [](options& settings, char* argument) { settings.tei_filter = decimal(argument); }},
+     .apply = [](options& settings, const char* argument) { settings.tei_filter = decimal(argument); }},
     {.key = 'c',
      .mode_bits = MODE_CREF_FILTER,
-     .apply = [](options& settings, char* argument) { settings.cref_filter = decimal(argument); }},
+     .apply = [](options& settings, const char* argument) { settings.cref_filter = decimal(argument); }},
     filter('I', 'I'),
     filter('B', 'B'),
     filter('o', 'o'),
     filter(OPTION_SRC, 's'),
     filter(OPTION_DST, 'd'),
     filter(OPTION_LLC, 'l'),
-    setting('v', [](options&, char*) { ++verbose_level; }),
-    setting('V', [](options& settings, char* argument) { settings.version = decimal(argument); }),
-    setting('P',
-            [](options& settings, char* argument) { settings.port = static_cast<std::uint16_t>(decimal(argument)); }),
-    setting('r', [](options& settings, char* argument) { settings.target.capture_length = decimal(argument); }),
-    setting('z', [](options& settings, char*) { settings.atm.flags |= 1; }),
-    // NOLINTNEXTLINE(readability-non-const-parameter): all rules have one signature, and --pwd wipes its argument
-    setting('H', [](options& settings, char* argument) { settings.host = argument; }),
-    setting('n', [](options&, char*) {}),  // accepted, without effect
-    setting(OPTION_VPI, [](options& settings, char* argument) { settings.atm.vpi = decimal(argument); }),
-    setting(OPTION_VCI, [](options& settings, char* argument) { settings.atm.vci = decimal(argument); }),
+    setting('v', [](options&, const char*) { ++verbose_level; }),
+    setting('V', [](options& settings, const char* argument) { settings.version = decimal(argument); }),
+    setting('P', [](options& settings,
+                    const char* argument) { settings.port = static_cast<std::uint16_t>(decimal(argument)); }),
+    setting('r', [](options& settings, const char* argument) { settings.target.capture_length = decimal(argument); }),
+    setting('z', [](options& settings, const char*) { settings.atm.flags |= 1; }),
+    setting('H', [](options& settings, const char* argument) { settings.host = argument; }),
+    setting('n', [](options&, const char*) {}),  // accepted, without effect
+    setting(OPTION_VPI, [](options& settings, const char* argument) { settings.atm.vpi = decimal(argument); }),
+    setting(OPTION_VCI, [](options& settings, const char* argument) { settings.atm.vci = decimal(argument); }),
     setting(OPTION_ETHEREAL,
-            [](options& settings, char*) {
+            [](options& settings, const char*) {
                 settings.sink = SINK_PIPE;
                 settings.start_analyser = true;
             }),
-    setting(OPTION_PCAP_PIPE, [](options& settings, char*) { settings.sink = SINK_PIPE; }),
-    setting(OPTION_PCAP_FILE, [](options& settings, char*) { settings.sink = SINK_FILE; }),
+    setting(OPTION_PCAP_PIPE, [](options& settings, const char*) { settings.sink = SINK_PIPE; }),
+    setting(OPTION_PCAP_FILE, [](options& settings, const char*) { settings.sink = SINK_FILE; }),
     setting(OPTION_PCAP_LINKTYPE,
-            [](options& settings, char* argument) { settings.pcap_linktype = decimal(argument); }),
-    // NOLINTNEXTLINE(readability-non-const-parameter): as above
-    setting(OPTION_OFILE, [](options& settings, char* argument) { settings.output_name = argument; }),
-    setting(OPTION_PWD, [](options& settings, char* argument) { settings.password.take(argument); }),
-    setting(OPTION_PRINT, [](options& settings, char*) { settings.print = true; }),
+            [](options& settings, const char* argument) { settings.pcap_linktype = decimal(argument); }),
+    setting(OPTION_OFILE, [](options& settings, const char* argument) { settings.output_name = argument; }),
+    setting(OPTION_PWD, [](options& settings, const char*) { settings.password.take(optarg); }),
+    setting(OPTION_PRINT, [](options& settings, const char*) { settings.print = true; }),
 };
 
-void apply_rule(const option_rule& rule, options& settings, char* argument) {
+void apply_rule(const option_rule& rule, options& settings, const char* argument) {
     settings.mode_flags |= rule.mode_bits;
     if (rule.filter_kind != '\0') {
         addinfo_buffer& addinfo = settings.addinfo;

@@ -16,7 +16,7 @@ namespace ifwatch {
 
 namespace {
 
-// NOLINTNEXTLINE(*-avoid-non-const-global-variables): the only way to tell a handler something
+// NOLINTNEXTLINE(*-avoid-non-const-global-variables): all that a handler can reach
 std::atomic<const char*> pipe_to_remove = nullptr;
 static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler reads it");
 

@@ -1,0 +1,40 @@
+#include "base/program_name.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace ifwatch {
+namespace {
+
+std::string name_of(const char* path) {
+    set_program_name(path);
+    EXPECT_STREQ(program_name_argument(), std::string(program_name()).c_str());
+    return std::string(program_name());
+}
+
+TEST(ProgramName, IsThePartBehindTheLastSlash) {
+    EXPECT_EQ(name_of("./bin/x"), "x");
+    EXPECT_EQ(name_of("/usr/bin/ifwatch"), "ifwatch");
+    EXPECT_EQ(name_of("tracer"), "tracer");
+    EXPECT_EQ(name_of("bin/"), "");
+}
+
+TEST(ProgramName, KeepsThirtyTwoCharacters) {
+    const std::string longest(32, 'n');
+    EXPECT_EQ(name_of(longest.c_str()), longest);
+    EXPECT_EQ(name_of(("/bin/" + longest + "more").c_str()), longest);
+}
+
+TEST(ProgramName, AShorterNameReplacesALongerOneWhole) {
+    EXPECT_EQ(name_of("a-rather-long-name"), "a-rather-long-name");
+    EXPECT_EQ(name_of("short"), "short");
+}
+
+TEST(ProgramName, StaysWhenThereIsNone) {
+    EXPECT_EQ(name_of("tracer"), "tracer");
+    EXPECT_EQ(name_of(nullptr), "tracer");
+}
+
+}  // namespace
+}  // namespace ifwatch
