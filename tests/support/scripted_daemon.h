@@ -25,10 +25,10 @@ public:
     void send_element(std::uint8_t type, std::string_view text) const;
 
     /// The next `n` octets; fewer when the client closes before.
-    [[nodiscard]] std::vector<std::uint8_t> receive(std::size_t n) const;
+    std::vector<std::uint8_t> receive(std::size_t n) const;
 
     /// Everything up to the client's end of the stream.
-    [[nodiscard]] std::vector<std::uint8_t> receive_all() const;
+    std::vector<std::uint8_t> receive_all() const;
 
 private:
     int socket_;
