@@ -13,9 +13,9 @@ namespace ifwatch::test {
 /// A program to run. It gets the environment of the tests without the TRACE_ variables, and `environment` on top.
 struct command {
     std::string program;
-    std::vector<std::string> arguments;
-    std::vector<std::pair<std::string, std::string>> environment;
-    std::string input;  // its standard input, closed behind it
+    std::vector<std::string> arguments = {};
+    std::vector<std::pair<std::string, std::string>> environment = {};
+    std::string input = {};  // its standard input, closed behind it
     std::chrono::milliseconds timeout = std::chrono::seconds(10);
 };
 

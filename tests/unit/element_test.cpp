@@ -29,8 +29,8 @@ element_read read_one(const std::vector<std::uint8_t>& stream) {
 }
 
 std::vector<std::uint8_t> element_of(std::uint8_t type, std::uint8_t length) {
-    std::vector<std::uint8_t> stream{0, 0, length, type};
-    stream.resize(4U + length, 0x5A);
+    std::vector<std::uint8_t> stream(4U + length, 0x5A);
+    store_be32(stream.data(), element_header(type, length));
     return stream;
 }
 
