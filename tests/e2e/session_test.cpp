@@ -45,7 +45,6 @@ scripted_daemon::script replying(std::vector<std::uint8_t> reply) {
     return [reply = std::move(reply)](const scripted_peer& client) {
         log_in(client);
         client.send(reply);
-        client.receive_all();
     };
 }
 
@@ -130,7 +129,7 @@ TEST(version_2, sends_the_addinfo_without_a_login) {
 TEST(version_2, zero_and_negative_versions_go_its_way) {
     for (const std::string version : {"-V0", "-V-5"}) {
         const scripted_daemon daemon([](const scripted_peer& client) {
-            client.receive(REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH);
+            client.receive(REQUEST_LENGTH);  // below 2 a request without filters has no add-info
             client.send_element(0);
         });
         EXPECT_EQ(trace(daemon, {version, "127.0.0.1", "1000"}).status, 0) << version;

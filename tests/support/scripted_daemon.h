@@ -54,8 +54,8 @@ private:
     void serve();
 
     std::vector<script> scripts_;
+    int port_ = 0;  // set while the listener is opened, so declared before it
     int listener_ = -1;
-    int port_ = 0;
     std::mutex mutex_;  // over the next two
     int client_ = -1;
     bool stopping_ = false;
