@@ -8,6 +8,7 @@ namespace ifwatch {
 namespace {
 
 constexpr int LAST_CODE_WITH_OPTIONS = 7;
+constexpr int FAVORED_PEER = 1;
 
 constexpr table_text CODE_NAMES[] = {
     "Unknown",          "Configure-Request", "Configure-Ack", "Configure-Nak",
@@ -15,7 +16,6 @@ constexpr table_text CODE_NAMES[] = {
 };
 
 void print_option(ppp_option& option) {
-    constexpr int FAVORED_PEER = 1;
     if (option.type == FAVORED_PEER) {
         print<"\t\tFavored-Peer;\n">();
     }

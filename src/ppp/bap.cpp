@@ -8,6 +8,7 @@ namespace ifwatch {
 namespace {
 
 constexpr int LAST_CODE_WITH_OPTIONS = 7;  // the Call-Status Response (8) has no options to show
+constexpr int LINK_TYPE_ISDN = 0;
 
 constexpr table_text CODE_NAMES[] = {
     "Unknown",
@@ -35,8 +36,7 @@ constexpr named_value OTHER_OPTIONS[] = {
 constexpr bool has_result(int code) { return code == 2 || code == 4 || code == 6; }
 
 void print_link_type(ppp_option& option) {
-    constexpr int ISDN = 0;
-    if (option.data[2] == ISDN) {
+    if (option.data[2] == LINK_TYPE_ISDN) {
         print<"\t\tLink-Type: ISDN (%d kbps)\n">(option.data.be16(0));
     } else {
         print<"\t\tLink-Type;\n">();

@@ -10,6 +10,9 @@ namespace {
 constexpr int HIGHEST_CODE = 16;
 constexpr int CODE_REJECT = 7;
 
+constexpr int CALLBACK_NUMBER = 3;  // callback operations
+constexpr int CALLBACK_BY_CBCP = 6;
+
 // Options of one 16-bit number.
 constexpr named_value NUMBER_OPTIONS[] = {
     {1, "MRU %d;"},
@@ -76,16 +79,14 @@ void print_fcs_alternatives(ppp_option& option) {
 }
 
 void print_callback(ppp_option& option) {
-    constexpr int E164_NUMBER = 3;
-    constexpr int CBCP = 6;
     const int operation = option.data[0];
-    if (operation == E164_NUMBER) {
+    if (operation == CALLBACK_NUMBER) {
         print<"Callback Number (E.164) ">();
         for (const std::uint8_t digit : option.data.run(1, option.data.length - 1)) {
             print<"%c">(digit);
         }
         print<";">();
-    } else if (operation == CBCP) {
+    } else if (operation == CALLBACK_BY_CBCP) {
         print<"Callback Control Protocol (CBCP);">();
     } else {
         print<"Callback Operation %d;">(operation);
