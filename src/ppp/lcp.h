@@ -1,0 +1,11 @@
+#pragma once
+
+#include "ppp/control_packet.h"
+
+namespace ifwatch {
+
+/// Prints one LCP packet (RFC 1661, RFC 1570, RFC 1990): its identifier and code, and the options of codes up to
+/// Code-Reject. An option is printed as if all the octets it should have were there.
+void dump_lcp(const control_packet& packet);
+
+}  // namespace ifwatch
