@@ -271,6 +271,8 @@ struct reply_case {
     int connections = 1;
 };
 
+void PrintTo(const reply_case& test, std::ostream* out) { *out << test.name; }
+
 class refused_reply : public testing::TestWithParam<reply_case> {};
 
 TEST_P(refused_reply, ends_the_session) {

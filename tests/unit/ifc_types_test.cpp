@@ -11,6 +11,8 @@ struct wanted_type {
     int link_type;
 };
 
+void PrintTo(const wanted_type& row, std::ostream* out) { *out << row.code; }
+
 class ifc_types : public testing::TestWithParam<wanted_type> {};
 
 TEST_P(ifc_types, has_its_name_and_link_type) {

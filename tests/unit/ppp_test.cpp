@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <array>
 
 #include <vector>
 
@@ -58,7 +59,7 @@ TEST(dump_ppp, writes_nothing_behind_the_octets_held) {
     frame buffer = {0xC2, 0x23, 3, 1, 0, 6, 'o', 'k', 'n', 'o'};
     captured_output output;
     // The octets behind are those of another frame: neither shown nor touched, whatever the packet declares.
-    for (const std::uint8_t declared : {6, 7, 200}) {
+    for (const std::uint8_t declared : std::to_array<std::uint8_t>({6, 7, 200})) {
         buffer[5] = declared;
         dump_ppp(octets_of(buffer).cut(8));
         EXPECT_THAT(output.take(), testing::EndsWith("Success Message ok\n"));

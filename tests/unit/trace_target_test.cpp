@@ -12,6 +12,8 @@ struct split_case {
     std::int32_t index, slot, unit, channel;
 };
 
+void PrintTo(const split_case& row, std::ostream* out) { *out << row.index; }
+
 class SplitIndex : public testing::TestWithParam<split_case> {};
 
 TEST_P(SplitIndex, NamesSlotUnitAndChannel) {
