@@ -26,7 +26,12 @@ struct ber_header {
     int size;  // octets of identifier and length
     std::uint32_t content_length;
 
-    [[nodiscard]] constexpr int number() const { return tag & 31; }
+    [[nodiscard]] constexpr int number() const { return tag & ~CONSTRUCTED; }
+};
+
+struct ber_element {
+    ber_header header;
+    octets content;  // its length: the octets both declared and held
 };
 
 /// What stays the same for all elements of one tree.
@@ -203,13 +208,13 @@ bool is_opened(int depth, const ber_header& header) {
     return header.tag_class != APPLICATION && (header.tag & CONSTRUCTED) != 0;
 }
 
-void dump_elements(int depth, const ber_style& style, octets contents, std::uint64_t length);
-
-void dump_contents(int depth, const ber_style& style, octets contents, std::uint32_t length) {
+void print_opening_brace(int depth, const ber_style& style) {
     print<"\n%s">(style.prefix);
     print_indent(depth);
     print<"{\n%s">(style.prefix);
-    dump_elements(depth + 1, style, contents.cut(contents.length), length);
+}
+
+void print_closing_brace(int depth, const ber_style& style) {
     print_indent(depth);
     print<"}\n%s">(style.prefix);
     if (depth == 0) {
@@ -217,42 +222,56 @@ void dump_contents(int depth, const ber_style& style, octets contents, std::uint
     }
 }
 
-/// Prints one element and returns its whole size as declared.
-std::uint64_t dump_element(int depth, const ber_style& style, octets element) {
-    const ber_header header = read_header(element);
-    const octets behind = element.skip(header.size);
-    const auto held = static_cast<std::uint32_t>(behind.held());
-    const octets content = behind.at(0, static_cast<int>(std::min(header.content_length, held)));
-    const bool opened = is_opened(depth, header);
-    print_name(depth, style, header, opened);
-    if (opened) {
-        dump_contents(depth, style, content, header.content_length);
-    } else {
-        print<"\n%s">(style.prefix);
-        print_indent(depth);
-        print_value(header, content);
-        print<"\n%s">(style.prefix);
-    }
-    return static_cast<std::uint64_t>(header.size) + header.content_length;
+void print_primitive(int depth, const ber_style& style, const ber_element& element) {
+    print<"\n%s">(style.prefix);
+    print_indent(depth);
+    print_value(element.header, element.content);
+    print<"\n%s">(style.prefix);
 }
 
-void dump_elements(int depth, const ber_style& style, octets contents, std::uint64_t length) {
-    std::uint64_t done = 0;
-    while (contents.held() > 0) {
-        const std::uint64_t size = dump_element(depth, style, contents);
-        done += size;
-        if (done >= length) {
-            return;
-        }
-        contents =
-            contents.skip(static_cast<int>(std::min<std::uint64_t>(size, static_cast<unsigned>(contents.held()))));
+/// The elements of one level that are still to be printed.
+struct ber_level {
+    octets contents;
+    std::uint64_t left;  // octets, as declared
+};
+
+ber_element take_element(ber_level& level) {
+    const ber_header header = read_header(level.contents);
+    const octets behind = level.contents.skip(header.size);
+    const auto held = static_cast<std::uint32_t>(behind.held());
+    const auto count = static_cast<int>(std::min(header.content_length, held));
+    const std::uint64_t size = static_cast<std::uint64_t>(header.size) + header.content_length;
+    if (size < level.left) {
+        level.contents = behind.skip(count);
+        level.left -= size;
+    } else {
+        level.contents = {};
     }
+    return {header, behind.at(0, count)};
 }
 
 }  // namespace
 
 void dump_ber(const char* prefix, octets data, std::span<const table_text> context_names) {
-    dump_elements(0, {prefix, context_names}, data, static_cast<std::uint64_t>(std::max(data.length, 0)));
+    const ber_style style{prefix, context_names};
+    ber_level levels[MAX_DEPTH + 2] = {{data, static_cast<std::uint64_t>(std::max(data.length, 0))}};
+    for (int depth = 0; depth >= 0;) {
+        if (levels[depth].contents.held() == 0) {
+            if (--depth >= 0) {
+                print_closing_brace(depth, style);
+            }
+            continue;
+        }
+        const ber_element element = take_element(levels[depth]);
+        const bool opened = is_opened(depth, element.header);
+        print_name(depth, style, element.header, opened);
+        if (opened) {
+            print_opening_brace(depth, style);
+            levels[++depth] = {element.content.cut(element.content.length), element.header.content_length};
+        } else {
+            print_primitive(depth, style, element);
+        }
+    }
 }
 
 }  // namespace ifwatch
