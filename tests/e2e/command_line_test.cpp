@@ -34,7 +34,7 @@ outcome ifwatch(std::vector<std::string> arguments) {
 std::vector<std::uint8_t> request_of(std::vector<std::string> arguments) {
     std::promise<std::vector<std::uint8_t>> request;
     const scripted_daemon daemon(
-        [&request](const scripted_peer& client) { request.set_value(client.receive(TRACE_REQUEST_OCTETS)); });
+        [&request](const tcp_peer& client) { request.set_value(client.receive(TRACE_REQUEST_OCTETS)); });
     arguments.insert(arguments.begin(), {"-V1", daemon.port_option(), "127.0.0.1"});
     ifwatch(std::move(arguments));
     return request.get_future().get();
@@ -43,7 +43,7 @@ std::vector<std::uint8_t> request_of(std::vector<std::string> arguments) {
 /// What a run tells a version-2 daemon behind its trace request.
 std::vector<std::uint8_t> addinfo_of(std::vector<std::string> arguments) {
     std::promise<std::vector<std::uint8_t>> addinfo;
-    const scripted_daemon daemon([&addinfo](const scripted_peer& client) {
+    const scripted_daemon daemon([&addinfo](const tcp_peer& client) {
         client.receive(TRACE_REQUEST_OCTETS);
         client.send_element(5, "enough");
         addinfo.set_value(client.receive_all());

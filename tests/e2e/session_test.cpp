@@ -33,7 +33,7 @@ const std::string NO_TYPE = "-1 (not-found)";
 const std::string STREAM_END = "trc hdr too short! = 0<22\n";
 
 /// Version 3 up to the client's add-info: announces itself, challenges, takes the reply as it is.
-void log_in(const scripted_peer& client, std::size_t addinfo_length = PLAIN_ADDINFO_LENGTH) {
+void log_in(const tcp_peer& client, std::size_t addinfo_length = PLAIN_ADDINFO_LENGTH) {
     client.receive(REQUEST_LENGTH);
     client.send_element(2, {3});
     client.send_element(10, {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88});
@@ -42,7 +42,7 @@ void log_in(const scripted_peer& client, std::size_t addinfo_length = PLAIN_ADDI
 
 /// A version-3 daemon that sends `reply` behind the login and closes.
 scripted_daemon::script replying(std::vector<std::uint8_t> reply) {
-    return [reply = std::move(reply)](const scripted_peer& client) {
+    return [reply = std::move(reply)](const tcp_peer& client) {
         log_in(client);
         client.send(reply);
     };
@@ -52,7 +52,7 @@ scripted_daemon::script replying(std::vector<std::uint8_t> reply) {
 int version_of(const std::vector<std::uint8_t>& request) { return request.size() < 4 ? -1 : request[3]; }
 
 TEST(connecting, port_from_the_environment_wins_and_may_be_hexadecimal) {
-    const scripted_daemon daemon([](const scripted_peer& client) { client.receive(REQUEST_LENGTH); });
+    const scripted_daemon daemon([](const tcp_peer& client) { client.receive(REQUEST_LENGTH); });
     char hexadecimal[16];
     std::snprintf(hexadecimal, sizeof hexadecimal, "0x%x", static_cast<unsigned>(daemon.port()));
     const outcome got = run({.program = IFWATCH_PROGRAM,
@@ -81,7 +81,7 @@ TEST(connecting, illegal_hosts) {
 TEST(connecting, refused) {
     int free_port = 0;
     {
-        const scripted_daemon gone([](const scripted_peer&) {});
+        const scripted_daemon gone([](const tcp_peer&) {});
         free_port = gone.port();
     }
     const outcome got =
@@ -93,7 +93,7 @@ TEST(connecting, refused) {
 
 TEST(version_1, acknowledge_octet_is_the_channel_type) {
     std::vector<std::uint8_t> request;
-    const scripted_daemon daemon([&request](const scripted_peer& client) {
+    const scripted_daemon daemon([&request](const tcp_peer& client) {
         request = client.receive(REQUEST_LENGTH);
         client.send({0xFE});
     });
@@ -104,7 +104,7 @@ TEST(version_1, acknowledge_octet_is_the_channel_type) {
 }
 
 TEST(version_1, without_an_acknowledge_octet) {
-    const scripted_daemon daemon([](const scripted_peer& client) { client.receive(REQUEST_LENGTH); });
+    const scripted_daemon daemon([](const tcp_peer& client) { client.receive(REQUEST_LENGTH); });
     const outcome got = trace(daemon, {"-V1", "127.0.0.1", "1000"});
     EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "negative trace acknowledge"));
     EXPECT_EQ(got.status, 1);
@@ -112,7 +112,7 @@ TEST(version_1, without_an_acknowledge_octet) {
 
 TEST(version_2, sends_the_addinfo_without_a_login) {
     std::vector<std::uint8_t> sent;
-    const scripted_daemon daemon([&sent](const scripted_peer& client) {
+    const scripted_daemon daemon([&sent](const tcp_peer& client) {
         sent = client.receive(REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH);
         client.send_element(1, {6});
         client.send_element(0);
@@ -128,7 +128,7 @@ TEST(version_2, sends_the_addinfo_without_a_login) {
 
 TEST(version_2, zero_and_negative_versions_go_its_way) {
     for (const std::string version : {"-V0", "-V-5"}) {
-        const scripted_daemon daemon([](const scripted_peer& client) {
+        const scripted_daemon daemon([](const tcp_peer& client) {
             client.receive(REQUEST_LENGTH);  // below 2 a request without filters has no add-info
             client.send_element(0);
         });
@@ -138,7 +138,7 @@ TEST(version_2, zero_and_negative_versions_go_its_way) {
 
 TEST(version_3, logs_in_with_the_digest_of_the_password) {
     std::vector<std::uint8_t> reply;
-    const scripted_daemon daemon([&reply](const scripted_peer& client) {
+    const scripted_daemon daemon([&reply](const tcp_peer& client) {
         client.receive(REQUEST_LENGTH);
         client.send_element(2, {3});
         client.send_element(10, {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88});
@@ -189,11 +189,11 @@ TEST(version_3, tells_less_at_lower_levels) {
 
 TEST(version_3, without_its_version_the_client_falls_back_to_version_1) {
     std::atomic<int> second_version = -1;
-    const scripted_daemon daemon({[](const scripted_peer& client) {
+    const scripted_daemon daemon({[](const tcp_peer& client) {
                                       client.receive(REQUEST_LENGTH);
                                       client.send_element(2, {3, 0});
                                   },
-                                  [&second_version](const scripted_peer& client) {
+                                  [&second_version](const tcp_peer& client) {
                                       second_version = version_of(client.receive(REQUEST_LENGTH));
                                       client.send({6});
                                   }});
@@ -206,7 +206,7 @@ TEST(version_3, without_its_version_the_client_falls_back_to_version_1) {
 
 TEST(version_3, a_second_failure_is_final) {
     std::atomic<int> connections = 0;
-    const scripted_daemon daemon([&connections](const scripted_peer& client) {
+    const scripted_daemon daemon([&connections](const tcp_peer& client) {
         ++connections;
         client.receive(REQUEST_LENGTH);
     });
@@ -218,7 +218,7 @@ TEST(version_3, a_second_failure_is_final) {
 }
 
 TEST(version_3, without_a_challenge) {
-    const scripted_daemon daemon([](const scripted_peer& client) {
+    const scripted_daemon daemon([](const tcp_peer& client) {
         if (version_of(client.receive(REQUEST_LENGTH)) == 3) {
             client.send_element(2, {3});
             client.send_element(1, {6});
@@ -231,7 +231,7 @@ TEST(version_3, without_a_challenge) {
 
 TEST(version_3, a_short_challenge_is_filled_with_zeros) {
     std::vector<std::uint8_t> reply;
-    const scripted_daemon daemon([&reply](const scripted_peer& client) {
+    const scripted_daemon daemon([&reply](const tcp_peer& client) {
         client.receive(REQUEST_LENGTH);
         client.send_element(2, {3});
         client.send_element(10, std::initializer_list<int>{});
@@ -245,11 +245,11 @@ TEST(version_3, a_short_challenge_is_filled_with_zeros) {
 
 TEST(reply, another_version_is_tried_when_the_daemon_asks_for_it) {
     std::atomic<int> second_version = -1;
-    const scripted_daemon daemon({[](const scripted_peer& client) {
+    const scripted_daemon daemon({[](const tcp_peer& client) {
                                       log_in(client);
                                       client.send_element(2, {2});
                                   },
-                                  [&second_version](const scripted_peer& client) {
+                                  [&second_version](const tcp_peer& client) {
                                       second_version =
                                           version_of(client.receive(REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH));
                                       client.send_element(1, {1});
@@ -277,7 +277,7 @@ class refused_reply : public testing::TestWithParam<reply_case> {};
 
 TEST_P(refused_reply, ends_the_session) {
     std::atomic<int> connections = 0;
-    const scripted_daemon daemon([&connections](const scripted_peer& client) {
+    const scripted_daemon daemon([&connections](const tcp_peer& client) {
         if (++connections == 1) {
             log_in(client);
             client.send(GetParam().reply);
@@ -338,7 +338,7 @@ TEST(reply, elements_that_change_nothing) {
 TEST(list, shows_every_interface_and_ends_with_the_stream) {
     std::vector<std::uint8_t> addinfo;
     std::vector<std::uint8_t> request;
-    const scripted_daemon daemon([&](const scripted_peer& client) {
+    const scripted_daemon daemon([&](const tcp_peer& client) {
         request = client.receive(REQUEST_LENGTH);
         client.send_element(2, {3});
         client.send_element(10, {1, 1, 2, 3, 4, 5, 6, 7, 8});
@@ -376,7 +376,7 @@ TEST(list, a_failure_prints_only_its_text) {
 
 TEST(password, is_asked_for_and_cut_at_31_characters) {
     std::vector<std::uint8_t> reply;
-    const scripted_daemon daemon([&reply](const scripted_peer& client) {
+    const scripted_daemon daemon([&reply](const tcp_peer& client) {
         client.receive(REQUEST_LENGTH);
         client.send_element(2, {3});
         client.send_element(10, {1, 0, 0, 0, 0, 0, 0, 0, 0});
@@ -413,7 +413,7 @@ TEST(password, from_the_environment) {
 
 TEST(channel_test, prints_a_line_for_each_unit_that_answers) {
     // Slot 2 has one unit with channels 0 and 1; slot 5 answers for units 0 and 1, channel 0 only.
-    const scripted_daemon daemon([](const scripted_peer& client) {
+    const scripted_daemon daemon([](const tcp_peer& client) {
         const auto request = client.receive(REQUEST_LENGTH);
         if (request.size() < REQUEST_LENGTH) {
             return;
@@ -441,7 +441,7 @@ TEST(channel_test, prints_a_line_for_each_unit_that_answers) {
 
 TEST(channel_test, shows_its_requests_at_higher_verbosity) {
     std::vector<std::uint8_t> first;
-    const scripted_daemon daemon([&first](const scripted_peer& client) {
+    const scripted_daemon daemon([&first](const tcp_peer& client) {
         const auto request = client.receive(REQUEST_LENGTH);
         if (first.empty()) {
             first = request;
@@ -458,7 +458,7 @@ TEST(channel_test, shows_its_requests_at_higher_verbosity) {
 TEST(channel_test, an_unreachable_router_prints_only_the_error) {
     int free_port = 0;
     {
-        const scripted_daemon gone([](const scripted_peer&) {});
+        const scripted_daemon gone([](const tcp_peer&) {});
         free_port = gone.port();
     }
     const outcome got =

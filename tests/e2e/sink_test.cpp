@@ -145,7 +145,7 @@ TEST_F(pcap_pipe, does_not_replace_a_directory) {
 }
 
 TEST_F(pcap_pipe, goes_when_its_reader_has_gone) {
-    const scripted_daemon daemon([](const scripted_peer& client) {
+    const scripted_daemon daemon([](const tcp_peer& client) {
         serving(1)(client);
         for (int i = 0; i < 1000; ++i) {
             client.send(trace_record(2, {1}));

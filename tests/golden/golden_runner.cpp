@@ -3,7 +3,9 @@
 
 #include <getopt.h>
 
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -19,10 +21,13 @@ namespace {
 using namespace ifwatch::test;
 using ifwatch::sim::trace_case;
 
+constexpr std::chrono::seconds DEFAULT_TIMEOUT{10};
+
 struct runner_options {
     std::string sim;
     std::string ifwatch;
     bool accept = false;
+    std::chrono::seconds timeout = DEFAULT_TIMEOUT;  // for a run
     std::vector<std::string> cases;
 };
 
@@ -37,6 +42,7 @@ Examples:
 Options:
   --sim PATH       the simulator (beside this program)
   --ifwatch PATH   the tracer (beside this program)
+  --timeout N      seconds for a run (10)
   --accept         write the .expected files instead of comparing
 
 Exit status: 0 when every case holds, 1 when one does not, 2 for a mistake on the command line.
@@ -82,7 +88,7 @@ std::string interface_of(const trace_case& golden) { return std::to_string(golde
 
 /// Runs the case once for each of its options lines.
 failure run_case(const runner_options& options, const trace_case& golden, std::vector<golden_run>& runs) {
-    process sim({options.sim, {"--port", "0", "--password", "golden", golden.path}});
+    process sim({options.sim, {"--port", "0", "--password", "golden", golden.path}, {}, {}, options.timeout});
     const std::string port = port_of(sim);
     if (port.empty()) {
         return failed_run("ifwatch-sim", sim.terminate());
@@ -92,7 +98,7 @@ failure run_case(const runner_options& options, const trace_case& golden, std::v
         const std::vector<std::string> words = words_of(text);
         arguments.insert(arguments.end(), words.begin(), words.end());
         arguments.insert(arguments.end(), {"127.0.0.1", interface_of(golden)});
-        const outcome watched = run({options.ifwatch, arguments});
+        const outcome watched = run({options.ifwatch, arguments, {}, {}, options.timeout});
         if (watched.status != 0 || watched.timed_out) {
             return "options " + text + ": " + failed_run("ifwatch", watched);
         }
@@ -117,31 +123,51 @@ failure compare(const std::vector<golden_run>& runs, const std::vector<golden_ru
     return {};
 }
 
-failure check_case(const runner_options& options, const std::string& path) {
-    trace_case golden;
-    std::string error;
+/// The expected output of each run.
+failure read_expected(const trace_case& golden, std::vector<golden_run>& expected) {
+    const std::string path = expected_path(golden.path);
     std::string text;
-    std::vector<golden_run> expected;
-    std::vector<golden_run> runs;
-    if (!read_case_file(path, golden, error)) {
-        return error + "\n";
+    std::string error;
+    if (!read_file(path, text)) {
+        return "no expected text: " + path + "\n";
     }
+    return split_runs(text, golden.options, expected, error) ? failure() : error + "\n";
+}
+
+failure accept(const trace_case& golden, const std::vector<golden_run>& runs) {
+    const std::string path = expected_path(golden.path);
+    return write_file(path, join_runs(runs)) ? failure() : "cannot write " + path + "\n";
+}
+
+failure check_case(const runner_options& options, const trace_case& golden) {
     if (golden.options.empty()) {
         return "no options line\n";
     }
-    if (!options.accept && !read_file(expected_path(path), text)) {
-        return "no expected text: " + expected_path(path) + "\n";
+    std::vector<golden_run> expected;
+    failure wrong = options.accept ? failure() : read_expected(golden, expected);
+    std::vector<golden_run> runs;
+    if (wrong.empty()) {
+        wrong = run_case(options, golden, runs);
     }
-    if (!options.accept && !split_runs(text, golden.options, expected, error)) {
-        return error + "\n";
-    }
-    if (failure wrong = run_case(options, golden, runs); !wrong.empty()) {
+    if (!wrong.empty()) {
         return wrong;
     }
-    if (options.accept) {
-        return write_file(expected_path(path), join_runs(runs)) ? "" : "cannot write " + expected_path(path) + "\n";
+    return options.accept ? accept(golden, runs) : compare(runs, expected);
+}
+
+/// Checks the case and reports what is wrong with it.
+bool holds(const runner_options& options, const std::string& path) {
+    trace_case golden;
+    std::string error;
+    if (!read_case_file(path, golden, error)) {
+        std::fprintf(stderr, "%s\n", error.c_str());
+        return false;
     }
-    return compare(runs, expected);
+    const failure wrong = check_case(options, golden);
+    if (!wrong.empty()) {
+        std::fprintf(stderr, "%s: %s", path.c_str(), wrong.c_str());
+    }
+    return wrong.empty();
 }
 
 std::string beside_this_program(const std::string& name) {
@@ -151,12 +177,10 @@ std::string beside_this_program(const std::string& name) {
 
 /// Returns -1 to go on, or the exit status.
 int parse_options(int argc, char** argv, runner_options& options) {
-    options = {beside_this_program("ifwatch-sim"), beside_this_program("ifwatch"), false, {}};
-    constexpr option longs[] = {{"sim", required_argument, nullptr, 's'},
-                                {"ifwatch", required_argument, nullptr, 'i'},
-                                {"accept", no_argument, nullptr, 'a'},
-                                {"help", no_argument, nullptr, 'h'},
-                                {nullptr, 0, nullptr, 0}};
+    options = {beside_this_program("ifwatch-sim"), beside_this_program("ifwatch"), false, DEFAULT_TIMEOUT, {}};
+    constexpr option longs[] = {{"sim", required_argument, nullptr, 's'}, {"ifwatch", required_argument, nullptr, 'i'},
+                                {"accept", no_argument, nullptr, 'a'},    {"timeout", required_argument, nullptr, 't'},
+                                {"help", no_argument, nullptr, 'h'},      {nullptr, 0, nullptr, 0}};
     for (int code = 0; (code = getopt_long(argc, argv, "h", longs, nullptr)) != -1;) {
         if (code == 's') {
             options.sim = optarg;
@@ -164,6 +188,8 @@ int parse_options(int argc, char** argv, runner_options& options) {
             options.ifwatch = optarg;
         } else if (code == 'a') {
             options.accept = true;
+        } else if (code == 't' && std::atoi(optarg) > 0) {
+            options.timeout = std::chrono::seconds(std::atoi(optarg));
         } else if (code == 'h') {
             return std::fputs(HELP, stdout) < 0 ? 1 : 0;
         } else {
@@ -187,11 +213,7 @@ int main(int argc, char** argv) {
     }
     int failed = 0;
     for (const std::string& path : options.cases) {
-        const failure wrong = check_case(options, path);
-        if (!wrong.empty()) {
-            std::fprintf(stderr, "%s: %s", path.c_str(), wrong.c_str());
-            ++failed;
-        }
+        failed += holds(options, path) ? 0 : 1;
     }
     if (options.cases.size() > 1) {
         std::printf("%zu cases, %d failed\n", options.cases.size(), failed);

@@ -36,6 +36,8 @@ public:
     ~process();
     process(const process&) = delete;
     process& operator=(const process&) = delete;
+    process(process&&) = delete;
+    process& operator=(process&&) = delete;
 
     [[nodiscard]] pid_t id() const { return id_; }
 

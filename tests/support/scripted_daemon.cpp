@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "trace/element.h"
-
 namespace ifwatch::test {
 
 namespace {
@@ -29,21 +27,6 @@ int open_loopback(int& port) {
     return listener;
 }
 
-std::vector<std::uint8_t> octets_from(std::initializer_list<int> values) {
-    std::vector<std::uint8_t> result;
-    for (const int value : values) {
-        result.push_back(static_cast<std::uint8_t>(value));
-    }
-    return result;
-}
-
-void send_element_to(const scripted_peer& client, std::uint8_t type, const std::vector<std::uint8_t>& data) {
-    std::vector<std::uint8_t> element(4);
-    store_be32(element.data(), element_header(type, static_cast<std::uint32_t>(data.size())));
-    element.insert(element.end(), data.begin(), data.end());
-    client.send(element);
-}
-
 /// What was sent must reach a client that has written more than the script read, so the close comes behind its own.
 void close_gently(int socket) {
     shutdown(socket, SHUT_WR);
@@ -55,36 +38,6 @@ void close_gently(int socket) {
 }
 
 }  // namespace
-
-void scripted_peer::send(std::initializer_list<int> octets) const { send(octets_from(octets)); }
-
-void scripted_peer::send(std::span<const std::uint8_t> octets) const { write_all(socket_, octets); }
-
-void scripted_peer::send_element(std::uint8_t type, std::initializer_list<int> data) const {
-    send_element_to(*this, type, octets_from(data));
-}
-
-void scripted_peer::send_element(std::uint8_t type, std::string_view text) const {
-    send_element_to(*this, type, {text.begin(), text.end()});
-}
-
-std::vector<std::uint8_t> scripted_peer::receive(std::size_t n) const {
-    std::vector<std::uint8_t> result(n);
-    std::size_t got = 0;
-    while (got < n && read_n(socket_, &result[got], 1) == 1) {
-        ++got;
-    }
-    result.resize(got);
-    return result;
-}
-
-std::vector<std::uint8_t> scripted_peer::receive_all() const {
-    std::vector<std::uint8_t> result;
-    for (std::vector<std::uint8_t> more = receive(1); !more.empty(); more = receive(1)) {
-        result.push_back(more.front());
-    }
-    return result;
-}
 
 scripted_daemon::scripted_daemon(script every) : scripted_daemon(std::vector<script>{std::move(every)}) {}
 
@@ -114,7 +67,7 @@ void scripted_daemon::serve() {
                 break;
             }
         }
-        scripted_peer client(socket);
+        tcp_peer client(socket);
         scripts_[std::min(i, scripts_.size() - 1)](client);
         close_gently(socket);
         const std::lock_guard lock(mutex_);

@@ -11,6 +11,8 @@ public:
     ~temp_directory();
     temp_directory(const temp_directory&) = delete;
     temp_directory& operator=(const temp_directory&) = delete;
+    temp_directory(temp_directory&&) = delete;
+    temp_directory& operator=(temp_directory&&) = delete;
 
     [[nodiscard]] const std::string& path() const { return path_; }
     [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }

@@ -33,7 +33,7 @@ inline std::vector<std::uint8_t> trace_record(std::uint8_t sequence, const std::
 /// The daemon's side of a version-1 session on a LAN interface: it sends `records` records of 14 octets, 0xA0 plus the
 /// sequence number in each, and then ends, or waits for the client to go.
 inline scripted_daemon::script serving(std::uint8_t records, bool stays = false) {
-    return [records, stays](const scripted_peer& client) {
+    return [records, stays](const tcp_peer& client) {
         client.receive(TRACE_REQUEST_OCTETS);
         client.send({CHANNEL_TYPE_LAN});
         for (std::uint8_t i = 1; i <= records; ++i) {

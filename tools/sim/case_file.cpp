@@ -1,5 +1,6 @@
 #include "sim/case_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -188,7 +189,7 @@ bool parse_case(std::string_view text, trace_case& parsed, std::string& error) {
     if (wrong.empty() && !parser.has_channel) {
         wrong = "the channel line is missing";
     }
-    error = wrong.empty() ? std::string() : std::to_string(number) + ": " + wrong;
+    error = wrong.empty() ? std::string() : std::to_string(std::max(number, 1)) + ": " + wrong;
     return wrong.empty();
 }
 
