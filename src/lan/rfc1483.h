@@ -1,0 +1,14 @@
+#pragma once
+
+#include "base/octets.h"
+
+namespace ifwatch {
+
+struct display_context;
+
+/// Prints the encapsulation at the start of a reassembled AAL5 frame (with -2) and what it carries: LLC/SNAP, LLC with
+/// NLPID, or VC multiplexing (RFC 1483, now RFC 2684; RFC 2364 for PPP). Unknown organisations, protocol identifiers
+/// and NLPIDs are named by their number and not decoded; octets that are not held read as 0.
+void dump_rfc1483(octets frame, display_context& context);
+
+}  // namespace ifwatch
