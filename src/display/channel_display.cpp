@@ -5,6 +5,8 @@
 
 #include "atm/cell_header.h"
 #include "base/print.h"
+#include "display/async_hdlc.h"
+#include "display/bchannel.h"
 #include "display/mode_flags.h"
 #include "isdn/dchannel.h"
 #include "isdn/pabx.h"
@@ -87,8 +89,17 @@ void show_pabx(shown_record& record) {
                       record.header.record_flags);
 }
 
+void show_bchannel(shown_record& record) {
+    display_context& context = record.context;
+    if ((context.mode_flags & (MODE_ASYNC_HDLC | MODE_RESERVED)) != 0) {
+        dump_data_packet(record.payload, record.header.record_flags, context);
+    } else {
+        dump_bchannel(record.payload, record.header.record_flags, context);
+    }
+}
+
 constexpr channel_display CHANNEL_DISPLAYS[] = {
-    {-2, pabx_header, show_pabx}, {0, isdn_header, show_dchannel}, {1, isdn_header, nullptr},
+    {-2, pabx_header, show_pabx}, {0, isdn_header, show_dchannel}, {1, isdn_header, show_bchannel},
     {2, old_atm_header, nullptr}, {3, atm_header, nullptr},        {4, wlan_header, nullptr},
 };
 constexpr channel_display OTHER_CHANNEL = {-1, direction_header, nullptr};

@@ -11,7 +11,6 @@ namespace ifwatch {
 struct async_state {
     static constexpr int MAXIMUM = 1600;
 
-    std::uint32_t mode = 0;
     std::uint32_t escape = 0;    // 0x20 behind an escape octet
     std::uint32_t fcs = 0xFFFF;  // running FCS-16
     int maximum = MAXIMUM;       // the longest frame kept

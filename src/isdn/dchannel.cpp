@@ -5,6 +5,8 @@
 #include "isdn/call_reference.h"
 #include "isdn/lapd.h"
 #include "isdn/q931_message.h"
+#include "ppp/ppp.h"
+#include "x25/x25_packet.h"
 
 namespace ifwatch {
 
@@ -12,6 +14,7 @@ namespace {
 
 constexpr int GROUP_TEI = 127;
 constexpr int SAPI_X25 = 16;
+constexpr int X25_HEADER = 3;
 
 bool passes_tei_filter(octets frame, std::uint32_t mode_flags, std::int32_t tei_filter) {
     const int tei = lapd_tei(frame);
@@ -24,6 +27,16 @@ bool passes_cref_filter(octets frame, std::uint32_t mode_flags, std::int32_t cre
     }
     const std::int32_t callref = message_callref(frame);
     return callref == cref_filter || callref == -1;
+}
+
+/// X.25 in an I frame (ITU-T X.31). PPP is offered what follows the packet header, with the length of all of it.
+void dump_x25_in_dchannel(octets frame, std::uint32_t mode_flags) {
+    const int header_length = lapd_header_length(frame);
+    const octets packet = frame.skip(header_length);
+    dump_x25_packet(packet);
+    if ((mode_flags & MODE_PPP) != 0 && header_length + X25_HEADER < packet.length) {
+        dump_ppp(packet.at(X25_HEADER, packet.length));
+    }
 }
 
 }  // namespace
@@ -52,6 +65,7 @@ void dump_dchannel(octets frame, std::uint32_t mode_flags, std::int32_t tei_filt
         return;
     }
     if (lapd_sapi(frame) == SAPI_X25 && lapd_is_i_frame(frame)) {
+        dump_x25_in_dchannel(frame, mode_flags);
         return;
     }
     if (!lapd_carries_layer3(frame) || !passes_cref_filter(frame, mode_flags, cref_filter)) {

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <span>
+
+#include "base/names.h"
+#include "base/octets.h"
+
+namespace ifwatch {
+
+// Cause and diagnostic codes, ITU-T X.25 clauses 5.2.3, 5.4.3, 5.5.1 and 5.7.2, annex E.
+
+extern const std::span<const named_value> X25_CLEARING_CAUSES;
+extern const std::span<const named_value> X25_RESETTING_CAUSES;
+extern const std::span<const named_value> X25_RESTARTING_CAUSES;
+extern const std::span<const named_value> X25_REGISTRATION_CAUSES;
+
+/// Prints a cause with its name from the table of the packet. A code that the table does not hold has no name, except
+/// that one with the top bit set comes from the DTE. Returns the one octet it takes.
+int dump_x25_cause(octets field, std::span<const named_value> causes);
+
+/// Prints a diagnostic code with its name, where it has one. Returns the one octet it takes.
+int dump_x25_diagnostic(octets field);
+
+}  // namespace ifwatch
