@@ -14,6 +14,7 @@ namespace ifwatch {
 namespace {
 
 constexpr int BLOCK_IDENTIFIER = 0x30;
+constexpr int HEADER = 2;  // identifier and length, of the block and of an attribute
 
 constexpr named_value FILE_TYPES[] = {
     {0x40, "description file"}, {0x41, "software file"}, {0x42, "data file"},
@@ -60,6 +61,8 @@ constexpr named_value COMPRESSION_MODES[] = {
     {0x4F, "application defined compression mode"},
 };
 
+constexpr int ACTIONS_CODED = 0x40;
+constexpr int ACTIONS_IN_WORDS = 0x47;
 constexpr table_text PERMITTED_ACTIONS[] = {
     "read,", "insert,", "replace,", "extend,", "erase,", "hide,", "reserved,", "not used,",
 };
@@ -90,19 +93,17 @@ void show_checksum(octets value, value_names /*names*/) {
 }
 
 void show_permitted_actions(octets value, value_names /*names*/) {
-    constexpr int CODED = 0x40;
-    constexpr int IN_WORDS = 0x47;
-    if (value[0] == CODED) {
+    if (value[0] == ACTIONS_CODED) {
         print_eft_flags(PERMITTED_ACTIONS, value[1]);
-    } else if (value[0] == IN_WORDS) {
+    } else if (value[0] == ACTIONS_IN_WORDS) {
         print_eft_characters(value.skip(1));
     }
 }
 
 struct attribute_printer {
-    int identifier;
+    int identifier = 0;
     table_text label;
-    void (*show)(octets value, value_names names);
+    void (*show)(octets value, value_names names) = nullptr;
     value_names names;
 };
 
@@ -149,7 +150,6 @@ void print_attribute(int identifier, octets value) {
 }  // namespace
 
 void dump_eft_attribute_list(octets attributes, int count) {
-    constexpr int HEADER = 2;
     int left = std::min(count, attributes.length);
     while (left > 0 && attributes.held() > 0) {
         const int value_length = std::min<int>(attributes[1], attributes.length - HEADER);
@@ -165,7 +165,7 @@ int dump_eft_attributes(octets block) {
         return -1;
     }
     const int block_length = block[1];
-    dump_eft_attribute_list(block.skip(2), block_length);
+    dump_eft_attribute_list(block.skip(HEADER), block_length);
     return block_length;
 }
 

@@ -14,6 +14,8 @@ constexpr int COMPRESSION = 0x5F;
 constexpr int COMPRESSION_MODES = 0x60;
 constexpr int COMPRESSION_PARAMETERS = 0x61;
 
+constexpr int HEADER = 2;  // identifier and length of a sub-field
+
 constexpr table_text FIRST_OCTET[] = {
     "\n\t\t\tT-LOAD      Group A",      "\n\t\t\tT-LOAD      Group B", "\n\t\t\tT-LOAD      Group C",
     "\n\t\t\tT-DIRECTORY Group A name", "\n\t\t\tT-DIRECTORY Group A", "\n\t\t\tT-DIRECTORY Group B",
@@ -45,7 +47,6 @@ void print_navigation(int navigation) {
 /// Takes the first sub-field (identifier, length, value) off `fields`. False at the end, and when the sub-field
 /// passes it.
 bool take_subfield(octets& fields, int& identifier, octets& value) {
-    constexpr int HEADER = 2;
     if (fields.within() == 0 || HEADER + fields[1] > fields.length) {
         return false;
     }

@@ -118,9 +118,9 @@ void show_service_class(const eft_parameter& parameter, eft_tdu_state& /*state*/
 
 /// A printer without a label starts its own lines.
 struct parameter_printer {
-    int identifier;
+    int identifier = 0;
     table_text label;
-    void (*show)(const eft_parameter& parameter, eft_tdu_state& state);
+    void (*show)(const eft_parameter& parameter, eft_tdu_state& state) = nullptr;
 };
 
 constexpr parameter_printer PARAMETERS[] = {

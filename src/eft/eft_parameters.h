@@ -17,15 +17,15 @@ inline constexpr int EFT_FILE_DESCRIPTION = 0x30;
 
 /// What is known of a TDU while its parameters are read.
 struct eft_tdu_state {
-    int command;                     // command identifier of this TDU
-    std::uint32_t response_command;  // the command that the last positive response answered; 0: none
-    bool data_announced = false;     // a T-WRITE has told how much data stands behind
-    bool ended = false;              // a directory listing took the rest of the TDU
+    int command = 0;                     // command identifier of this TDU
+    std::uint32_t response_command = 0;  // the command that the last positive response answered; 0: none
+    bool data_announced = false;         // a T-WRITE has told how much data stands behind
+    bool ended = false;                  // a directory listing took the rest of the TDU
 };
 
 /// One parameter: its identifier, its value, and what stands behind it to the end of the TDU.
 struct eft_parameter {
-    int identifier;
+    int identifier = 0;
     octets value;
     octets behind;
 };

@@ -13,6 +13,7 @@ namespace ifwatch {
 namespace {
 
 constexpr int TELEMATIC_CONTROL = 0x40;
+constexpr int LONG_FORM = 0xFF;  // in the place of the length: it stands in the next two octets
 
 constexpr named_value COMMANDS[] = {
     {0x20, "T-ASSOCIATE"},
@@ -37,7 +38,6 @@ constexpr named_value COMMANDS[] = {
 /// Takes identifier, length and contents off `rest`, which units and parameters both begin with. The contents are cut
 /// back to the end of `rest`; their length is negative when the header itself passes it.
 octets take_contents(octets& rest) {
-    constexpr int LONG_FORM = 0xFF;
     const bool long_form = rest[1] == LONG_FORM;
     const int header = long_form ? 4 : 2;
     const int length = long_form ? rest.be16(2) : rest[1];

@@ -28,6 +28,10 @@ constexpr named_value PACKET_SIZES[] = {
     {7, " 128 octets"}, {8, " 256 octets"}, {9, " 512 octets"}, {10, "1024 octets"}, {11, "2048 octets"},
 };
 
+// First octet of an error code.
+constexpr int TC_NOT_SUPPORTED = 0;
+constexpr int TC_ERRONEOUS = 1;
+
 /// Prints the name of a message; an unknown one shows `shown_code`.
 void print_message_name(int code, int shown_code) {
     print_named(name_at(MESSAGES, code - 1, "??? 0x%x"), static_cast<std::uint32_t>(shown_code));
@@ -40,14 +44,12 @@ void show_result(octets value, int /*message_code*/) {
 }
 
 void show_error_code(octets value, int message_code) {
-    constexpr int NOT_SUPPORTED = 0;
-    constexpr int ERRONEOUS = 1;
-    if (value[0] == NOT_SUPPORTED) {
+    if (value[0] == TC_NOT_SUPPORTED) {
         print<"TC not supported ">();
         if (value.length > 1) {
             print_message_name(value[1], message_code);
         }
-    } else if (value[0] == ERRONEOUS) {
+    } else if (value[0] == TC_ERRONEOUS) {
         print<"TC erroneous: ">();
         print_eft_octets(value.skip(1));
     } else {
@@ -62,9 +64,9 @@ void show_packet_size(octets value, int /*message_code*/) {
 void show_window_size(octets value, int /*message_code*/) { print<"%d">(value[0]); }
 
 struct parameter_printer {
-    int identifier;
+    int identifier = 0;
     table_text label;
-    void (*show)(octets value, int message_code);
+    void (*show)(octets value, int message_code) = nullptr;
 };
 
 constexpr parameter_printer PARAMETERS[] = {

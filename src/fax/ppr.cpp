@@ -6,9 +6,14 @@
 
 namespace ifwatch {
 
+namespace {
+
+constexpr int LAST_FRAME = 255;
+constexpr int NO_RUN = -1;
+
+}  // namespace
+
 void print_ppr_bitmap(octets bitmap) {
-    constexpr int LAST_FRAME = 255;
-    constexpr int NO_RUN = -1;
     const std::int64_t bits = std::int64_t{8} * bitmap.length;
     int first = NO_RUN;
     // The walk looks one bit past the bitmap: a clear bit there ends a run that reaches the bitmap's end.

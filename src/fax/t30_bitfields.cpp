@@ -13,8 +13,8 @@ namespace {
 /// A field of the capabilities, by its T.30 bit number (from 1). The text of a field of several bits has a line for
 /// its title and one for each value.
 struct capability_field {
-    int bit;
-    int width;
+    int bit = 0;
+    int width = 0;
     table_text dis;  // in DIS and DTC; absent at the extension bits only
     table_text dcs;  // in DCS and CTC
 };
@@ -148,6 +148,8 @@ constexpr capability_field CAPABILITIES[] = {
     {67, 1, "Full and half-duplex operation", "Full-duplex operation"},
 };
 
+constexpr int WIDEST_FIELD = 8;
+
 std::string_view take_line(std::string_view& rest) {
     const std::size_t line_end = std::min(rest.find('\n'), rest.size());
     const std::string_view line = rest.substr(0, line_end);
@@ -172,10 +174,9 @@ bool ends_walk(const capability_field& field, int value) { return value == -1 ||
 }  // namespace
 
 int get_bitfield(octets field, int bit_index, int width) {
-    constexpr int WIDEST = 8;
     // The bound adds the length in octets where the width would be expected.
     const std::int64_t length = field.length;
-    if (width > WIDEST || bit_index + length > 8 * length) {
+    if (width > WIDEST_FIELD || bit_index + length > 8 * length) {
         return -1;
     }
     return field[bit_index / 8] >> (bit_index % 8) & ((1 << width) - 1);

@@ -38,13 +38,13 @@ TEST(eft_label, takes_24_columns) {
 }
 
 TEST(eft_flags, print_in_the_order_of_the_bits_without_the_absent_ones) {
-    constexpr table_text TEXTS[] = {nullptr, "one,", "two,"};
+    constexpr table_text texts[] = {nullptr, "one,", "two,"};
     captured_output output;
-    print_eft_flags(TEXTS, 0xFF);
+    print_eft_flags(texts, 0xFF);
     EXPECT_EQ(output.take(), "one,two,");
-    print_eft_flags(TEXTS, 0x04);
+    print_eft_flags(texts, 0x04);
     EXPECT_EQ(output.take(), "two,");
-    print_eft_flags(TEXTS, 0x01);
+    print_eft_flags(texts, 0x01);
     EXPECT_EQ(output.take(), "");
 }
 

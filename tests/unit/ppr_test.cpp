@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <set>
 #include <sstream>
 #include <vector>
@@ -65,12 +64,13 @@ TEST(ppr_bitmap, octets_that_are_not_held_ask_for_nothing) {
 }
 
 TEST(ppr_bitmap, any_bitmap_reads_back) {
-    std::mt19937 random(1);
+    std::uint32_t sequence = 1;
     for (int round = 0; round < 200; ++round) {
         std::vector<std::uint8_t> bitmap(32);
         std::set<int> expected;
         for (int frame = 0; frame < 256; ++frame) {
-            if (random() % 3 != 0) {
+            sequence = sequence * 1664525 + 1013904223;
+            if ((sequence >> 16) % 3 != 0) {
                 bitmap[static_cast<std::size_t>(frame / 8)] |= static_cast<std::uint8_t>(1U << (frame % 8));
                 expected.insert(frame);
             }
