@@ -259,8 +259,8 @@ TEST_F(pcap_file, takes_the_link_type_of_the_command_line) {
 TEST_F(pcap_file, is_written_while_the_terminal_shows_the_records) {
     const scripted_daemon daemon(serving(2));
     const outcome got = run(tracing(daemon, {"--pcap-file", "--print", option}));
-    EXPECT_THAT(got.output, HasSubstr("000001.000 X #00000001 DATA[0014]"));
-    EXPECT_THAT(got.output, HasSubstr("000002.000 X #00000002 DATA[0014]"));
+    EXPECT_THAT(got.output, HasSubstr("000001.000 X DATA[0014]"));
+    EXPECT_THAT(got.output, HasSubstr("000002.000 X DATA[0014]"));
     EXPECT_EQ(got.errors, connected_to(daemon) + "created file: " + name + "\n" + STREAM_END);
     EXPECT_EQ(text_of(name), pcap_of(2));
 }

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <array>
 
 #include <cstdint>
 #include <string>
@@ -33,11 +34,11 @@ int lapb_length(bytes frame, int modulo128) {
 }
 
 TEST(lapb, numbered_frames_are_an_octet_longer_in_modulo_128) {
-    for (const std::uint8_t control : {0x00, 0xFE, 0x01, 0x05, 0x09}) {
+    for (const std::uint8_t control : std::to_array<std::uint8_t>({0x00, 0xFE, 0x01, 0x05, 0x09})) {
         EXPECT_EQ(lapb_length({0x01, control, 0x00, 0x00}, 0), 2);
         EXPECT_EQ(lapb_length({0x01, control, 0x00, 0x00}, 1), 3);
     }
-    for (const std::uint8_t control : {0x03, 0x13, 0x0F, 0x2F, 0x43, 0x63, 0x6F, 0xFF}) {
+    for (const std::uint8_t control : std::to_array<std::uint8_t>({0x03, 0x13, 0x0F, 0x2F, 0x43, 0x63, 0x6F, 0xFF})) {
         EXPECT_EQ(lapb_length({0x01, control, 0x00, 0x00}, 0), 2);
         EXPECT_EQ(lapb_length({0x01, control, 0x00, 0x00}, 1), 2);
     }
@@ -114,7 +115,8 @@ TEST(x25_packet, user_data_begin_behind_three_or_four_octets) {
 }
 
 TEST(x25_packet, every_other_packet_is_taken_whole) {
-    for (const std::uint8_t type : {0x0B, 0x13, 0x17, 0x1B, 0x1F, 0xF1, 0xF3, 0xF7, 0xFB, 0xFF, 0x03}) {
+    for (const std::uint8_t type :
+         std::to_array<std::uint8_t>({0x0B, 0x13, 0x17, 0x1B, 0x1F, 0xF1, 0xF3, 0xF7, 0xFB, 0xFF, 0x03})) {
         EXPECT_EQ(x25_length({0x10, 0x01, type}), 3) << int{type};
         EXPECT_EQ(x25_length({0x10, 0x01, type, 0xFF, 0xFF, 0xFF}), 6) << int{type};
     }
@@ -160,8 +162,8 @@ TEST(x25_facilities, an_address_extension_is_cleared_in_the_octets) {
 
 TEST(xid, the_whole_field_is_taken_in_every_case) {
     const captured_output output;
-    for (bytes field : {bytes{}, bytes{0x81}, bytes{0x81, 1, 2, 3}, bytes{0x82, 0x42, 0, 0}, bytes{0x82, 0x80, 0xFF, 0xFF},
-                        bytes{0x55, 1}}) {
+    for (bytes field : {bytes{}, bytes{0x81}, bytes{0x81, 1, 2, 3}, bytes{0x82, 0x42, 0, 0},
+                        bytes{0x82, 0x80, 0xFF, 0xFF}, bytes{0x55, 1}}) {
         EXPECT_EQ(dump_xid_info(octets_of(field)), static_cast<int>(field.size()));
     }
     EXPECT_EQ(dump_xid_info(octets{}), 0);
