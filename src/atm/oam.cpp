@@ -53,9 +53,9 @@ void dump_activation(octets payload) {
 }
 
 struct oam_function {
-    int type_and_function;
+    int type_and_function = -1;
     table_text name;
-    void (*dump_fields)(octets payload);
+    void (*dump_fields)(octets payload) = nullptr;
 };
 
 constexpr oam_function FUNCTIONS[] = {

@@ -36,9 +36,9 @@ constexpr named_value PACKET_TYPES[] = {
 };
 
 struct ipx_socket {
-    int number;
+    int number = -1;
     table_text name;
-    void (*dump)(octets payload);  // nullptr: what it carries is not decoded
+    void (*dump)(octets payload) = nullptr;  // nullptr: what it carries is not decoded
 };
 
 constexpr ipx_socket SOCKETS[] = {

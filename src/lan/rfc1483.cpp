@@ -38,9 +38,9 @@ struct encapsulation {
 constexpr encapsulation NOT_DECODED = {0, KEY_NONE};
 
 struct nlpid {
-    int value;
+    int value = 0;
     table_text name;
-    int type;
+    int type = KEY_NONE;
 };
 constexpr nlpid NLPIDS[] = {{0xCC, "IP", ETHERTYPE_IP}, {0xCF, "PPP", KEY_PPP}};
 
