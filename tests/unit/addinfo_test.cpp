@@ -27,13 +27,13 @@ std::vector<std::uint8_t> addinfo_of(const std::vector<typed_filter>& filters, c
 
 using octet_list = std::vector<std::uint8_t>;
 
-TEST(Addinfo, StartAloneWithoutOptions) {
+TEST(addinfo, start_alone_without_options) {
     const octet_list start{0, 0, 0, 3, 0, 0, 0, 0};
     EXPECT_EQ(addinfo_of({}), start);
     EXPECT_EQ(addinfo_of({}, {}, false, 2), start);
 }
 
-TEST(Addinfo, FiltersStandInASectionInTheirOrder) {
+TEST(addinfo, filters_stand_in_a_section_in_their_order) {
     const octet_list expected{0xFF, 0xFF, 0xFF, 6,                        //
                               0,    0,    3,    'I', ':', ':', '6',       //
                               0,    0,    0,    'o',                      //
@@ -44,7 +44,7 @@ TEST(Addinfo, FiltersStandInASectionInTheirOrder) {
     EXPECT_EQ(addinfo_of({{'I', "::6"}, {'o', nullptr}, {'I', "::17"}}), expected);
 }
 
-TEST(Addinfo, EveryKindOfFilter) {
+TEST(addinfo, every_kind_of_filter) {
     const octet_list expected{0xFF, 0xFF, 0xFF, 6,              //
                               0,    0,    1,    'B', '1',       //
                               0,    0,    2,    's', '2', '3',  //
@@ -57,34 +57,34 @@ TEST(Addinfo, EveryKindOfFilter) {
     EXPECT_EQ(addinfo_of({{'B', "1"}, {'s', "23"}, {'d', "4"}, {'l', nullptr}, {'I', ""}}), expected);
 }
 
-TEST(Addinfo, AFilterLongerThanOneLengthOctet) {
+TEST(addinfo, a_filter_longer_than_one_length_octet) {
     const std::string text(0x123, 'a');
     const octet_list addinfo = addinfo_of({{'I', text.c_str()}});
     ASSERT_EQ(addinfo.size(), 4 + 4 + text.size() + 12);
     EXPECT_EQ(octet_list(addinfo.begin() + 4, addinfo.begin() + 9), (octet_list{0, 1, 0x23, 'I', 'a'}));
 }
 
-TEST(Addinfo, VciComesBeforeVpi) {
+TEST(addinfo, vci_comes_before_vpi) {
     const octet_list expected{0, 0, 2, 7, 0, 35, 0, 0, 1, 8, 8, 0, 0, 0, 3, 0, 0, 0, 0};
     EXPECT_EQ(addinfo_of({}, {.vpi = 8, .vci = 35}), expected);
 }
 
-TEST(Addinfo, LineNumbersKeepTheirLowOctets) {
+TEST(addinfo, line_numbers_keep_their_low_octets) {
     const octet_list expected{0, 0, 2, 7, 0x23, 0x45, 0, 0, 1, 8, 0x67, 0, 0, 0, 3, 0, 0, 0, 0};
     EXPECT_EQ(addinfo_of({}, {.vpi = 0x567, .vci = 0x12345}), expected);
 }
 
-TEST(Addinfo, ZeroIsAGivenLineNumberAndANegativeOneIsNot) {
+TEST(addinfo, zero_is_a_given_line_number_and_a_negative_one_is_not) {
     EXPECT_EQ(addinfo_of({}, {.vpi = 0, .vci = -7}), (octet_list{0, 0, 1, 8, 0, 0, 0, 0, 3, 0, 0, 0, 0}));
     EXPECT_EQ(addinfo_of({}, {.vpi = -1, .vci = 0}), (octet_list{0, 0, 2, 7, 0, 0, 0, 0, 0, 3, 0, 0, 0, 0}));
 }
 
-TEST(Addinfo, TheLineFlagIsAnElementWithoutData) {
+TEST(addinfo, the_line_flag_is_an_element_without_data) {
     EXPECT_EQ(addinfo_of({}, {.flags = 1}), (octet_list{0, 0, 0, 9, 0, 0, 0, 3, 0, 0, 0, 0}));
     EXPECT_EQ(addinfo_of({}, {.flags = 0xFE}), (octet_list{0, 0, 0, 3, 0, 0, 0, 0}));
 }
 
-TEST(Addinfo, ListModeAsksForTheInterfacesAndNothingElse) {
+TEST(addinfo, list_mode_asks_for_the_interfaces_and_nothing_else) {
     const octet_list expected{0xFF, 0xFF, 0xFF, 6,                                            //
                               0,    0,    8,    'I', '1', '.', '1', '.', '1', '.', '1', '0',  //
                               0,    0,    0,    0,                                            //
@@ -94,14 +94,14 @@ TEST(Addinfo, ListModeAsksForTheInterfacesAndNothingElse) {
     EXPECT_EQ(addinfo_of({}, {}, true), (octet_list{0, 0, 0, 11, 0, 0, 0, 0}));
 }
 
-TEST(Addinfo, VersionOneSendsNothingWhenNothingWasAsked) {
+TEST(addinfo, version_one_sends_nothing_when_nothing_was_asked) {
     EXPECT_EQ(addinfo_of({}, {}, false, 1), octet_list{});
     EXPECT_EQ(addinfo_of({}, {}, false, 0), octet_list{});
     EXPECT_EQ(addinfo_of({}, {.flags = 1}, false, 1).size(), 12U);
     EXPECT_EQ(addinfo_of({{'l', nullptr}}, {}, false, 1).size(), 20U);
 }
 
-TEST(Addinfo, WhatDoesNotFitIsCountedAndNotWritten) {
+TEST(addinfo, what_does_not_fit_is_counted_and_not_written) {
     std::array<std::uint8_t, 16> memory{};
     memory.fill(0xEE);
     const std::span<std::uint8_t> buffer = std::span(memory).first<10>();

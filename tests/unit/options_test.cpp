@@ -34,7 +34,7 @@ private:
     std::vector<char*> pointers_;
 };
 
-class Options : public testing::Test {
+class command_line : public testing::Test {
 protected:
     void SetUp() override { verbose_level = 0; }
     void TearDown() override { verbose_level = 0; }
@@ -64,7 +64,7 @@ protected:
     std::string messages;
 };
 
-TEST_F(Options, Defaults) {
+TEST_F(command_line, defaults) {
     parse_for_trace({});
     EXPECT_EQ(settings.mode_flags, 0U);
     EXPECT_EQ(verbose_level, 0);
@@ -88,7 +88,7 @@ TEST_F(Options, Defaults) {
     EXPECT_EQ(addinfo(), (std::vector<std::uint8_t>{0, 0, 0, 3, 0, 0, 0, 0}));
 }
 
-TEST_F(Options, ModeFlagsHaveTheirBits) {
+TEST_F(command_line, mode_flags_have_their_bits) {
     const struct {
         const char* option;
         std::uint32_t bits;
@@ -104,37 +104,37 @@ TEST_F(Options, ModeFlagsHaveTheirBits) {
     }
 }
 
-TEST_F(Options, LettersMayStandTogether) {
+TEST_F(command_line, letters_may_stand_together) {
     parse_for_trace({"-h23piN"});
     EXPECT_EQ(settings.mode_flags, 0x0300091BU);
 }
 
-TEST_F(Options, HexadecimalOutputMovesToAsynchronousFrames) {
+TEST_F(command_line, hexadecimal_output_moves_to_asynchronous_frames) {
     parse_for_trace({"-a", "-h"});
     EXPECT_EQ(settings.mode_flags, 0x10200U);
 }
 
-TEST_F(Options, FullHexadecimalOutputMovesToo) {
+TEST_F(command_line, full_hexadecimal_output_moves_too) {
     parse_for_trace({"-!", "-h", "-a"});
     EXPECT_EQ(settings.mode_flags, 0x10200U);
 }
 
-TEST_F(Options, FullLengthAloneDoesNotMove) {
+TEST_F(command_line, full_length_alone_does_not_move) {
     parse_for_trace({"-a", "-!"});
     EXPECT_EQ(settings.mode_flags, 0x240U);
 }
 
-TEST_F(Options, RawModeBringsHexadecimalOutputBack) {
+TEST_F(command_line, raw_mode_brings_hexadecimal_output_back) {
     parse_for_trace({"-x", "-a", "-h"});
     EXPECT_EQ(settings.mode_flags, 0x10261U);
 }
 
-TEST_F(Options, RawModeAloneIsNoHexadecimalOutputOfAsynchronousFrames) {
+TEST_F(command_line, raw_mode_alone_is_no_hexadecimal_output_of_asynchronous_frames) {
     parse_for_trace({"-x", "-a"});
     EXPECT_EQ(settings.mode_flags, 0x261U);
 }
 
-TEST_F(Options, FiltersOfTheDChannelMarkThatTheyAreSet) {
+TEST_F(command_line, filters_of_the_d_channel_mark_that_they_are_set) {
     parse_for_trace({"-T", "64", "-c5"});
     EXPECT_EQ(settings.mode_flags, MODE_TEI_FILTER | MODE_CREF_FILTER);
     EXPECT_EQ(settings.mode_flags, 0x0C000000U);
@@ -142,14 +142,14 @@ TEST_F(Options, FiltersOfTheDChannelMarkThatTheyAreSet) {
     EXPECT_EQ(settings.cref_filter, 5);
 }
 
-TEST_F(Options, EachVRaisesTheVerbosity) {
+TEST_F(command_line, each_v_raises_the_verbosity) {
     parse_for_trace({"-v"});
     EXPECT_EQ(verbose_level, 1);
     parse_for_trace({"-vv", "-v"});
     EXPECT_EQ(verbose_level, 4);
 }
 
-TEST_F(Options, NumbersOfTheSession) {
+TEST_F(command_line, numbers_of_the_session) {
     parse_for_trace({"-V", "2", "-P7001", "-r", "68", "-n", "12"});
     EXPECT_EQ(settings.version, 2);
     EXPECT_EQ(settings.target.version, 3);
@@ -157,7 +157,7 @@ TEST_F(Options, NumbersOfTheSession) {
     EXPECT_EQ(settings.target.capture_length, 68);
 }
 
-TEST_F(Options, NumbersAreTheLeadingDigits) {
+TEST_F(command_line, numbers_are_the_leading_digits) {
     parse_for_trace({"-V", "2nd", "-T", "junk", "-c", "  -7,", "-r", "+12", "-P", ""});
     EXPECT_EQ(settings.version, 2);
     EXPECT_EQ(settings.tei_filter, 0);
@@ -166,7 +166,7 @@ TEST_F(Options, NumbersAreTheLeadingDigits) {
     EXPECT_EQ(settings.port, 0);
 }
 
-TEST_F(Options, NumbersThatDoNotFitKeepTheirLowBits) {
+TEST_F(command_line, numbers_that_do_not_fit_keep_their_low_bits) {
     parse_for_trace({"-T", "4294967297", "-c", "2147483648", "-P", "70000"});
     EXPECT_EQ(settings.tei_filter, 1);
     EXPECT_EQ(settings.cref_filter, INT32_MIN);
@@ -176,7 +176,7 @@ TEST_F(Options, NumbersThatDoNotFitKeepTheirLowBits) {
     EXPECT_EQ(settings.port, 65535);
 }
 
-TEST_F(Options, FiltersAreSentInTheirOrder) {
+TEST_F(command_line, filters_are_sent_in_their_order) {
     parse_for_trace({"-I", "a", "-B", "b", "-o", "--src=c", "--dst", "d", "--llc"});
     const std::vector<std::uint8_t> expected{0xFF, 0xFF, 0xFF, 6, 0, 0, 1,   'I', 'a', 0, 0, 1,   'B', 'b', 0,
                                              0,    0,    'o',  0, 0, 1, 's', 'c', 0,   0, 1, 'd', 'd', 0,   0,
@@ -184,7 +184,7 @@ TEST_F(Options, FiltersAreSentInTheirOrder) {
     EXPECT_EQ(addinfo(), expected);
 }
 
-TEST_F(Options, LineParameters) {
+TEST_F(command_line, line_parameters) {
     parse_for_trace({"--vpi=8", "--vci=35", "-z"});
     EXPECT_EQ(settings.atm.vpi, 8);
     EXPECT_EQ(settings.atm.vci, 35);
@@ -193,19 +193,19 @@ TEST_F(Options, LineParameters) {
     EXPECT_EQ(addinfo(), expected);
 }
 
-TEST_F(Options, ANamedPipe) {
+TEST_F(command_line, a_named_pipe) {
     parse_for_trace({"--pcap-pipe"});
     EXPECT_EQ(settings.sink, 6);
     EXPECT_FALSE(settings.start_analyser);
 }
 
-TEST_F(Options, TheAnalyserReadsANamedPipe) {
+TEST_F(command_line, the_analyser_reads_a_named_pipe) {
     parse_for_trace({"--ethereal"});
     EXPECT_EQ(settings.sink, 6);
     EXPECT_TRUE(settings.start_analyser);
 }
 
-TEST_F(Options, APlainFile) {
+TEST_F(command_line, a_plain_file) {
     parse_for_trace({"--pcap-file", "--pcap-linktype=105", "--ofile=x.pcap", "--print"});
     EXPECT_EQ(settings.sink, 7);
     EXPECT_EQ(settings.pcap_linktype, 105);
@@ -213,14 +213,14 @@ TEST_F(Options, APlainFile) {
     EXPECT_TRUE(settings.print);
 }
 
-TEST_F(Options, TheLastSinkCounts) {
+TEST_F(command_line, the_last_sink_counts) {
     parse_for_trace({"--pcap-file", "--ethereal"});
     EXPECT_EQ(settings.sink, SINK_PIPE);
     parse_for_trace({"--ethereal", "--pcap-file"});
     EXPECT_EQ(settings.sink, SINK_FILE);
 }
 
-TEST_F(Options, LongOptionsMayBeAbbreviated) {
+TEST_F(command_line, long_options_may_be_abbreviated) {
     parse_for_trace({"--pcap-l=1", "--of", "name", "--pw=x", "--pr", "--pcap-f", "--vp=3", "--l"});
     EXPECT_EQ(settings.pcap_linktype, 1);
     EXPECT_STREQ(settings.output_name, "name");
@@ -233,12 +233,12 @@ TEST_F(Options, LongOptionsMayBeAbbreviated) {
     EXPECT_EQ(addinfo(), expected);
 }
 
-TEST_F(Options, AnAmbiguousAbbreviationShowsTheUsage) {
+TEST_F(command_line, an_ambiguous_abbreviation_shows_the_usage) {
     EXPECT_EQ(parse({"--pcap", "router"}), command::SHOW_USAGE);
     EXPECT_NE(messages.find("ifwatch: option '--pcap' is ambiguous"), std::string::npos) << messages;
 }
 
-TEST_F(Options, UnknownOptionsShowTheUsage) {
+TEST_F(command_line, unknown_options_show_the_usage) {
     EXPECT_EQ(parse({"-y", "router"}), command::SHOW_USAGE);
     EXPECT_EQ(messages, "ifwatch: invalid option -- 'y'\n");
     EXPECT_EQ(parse({"--colour", "router"}), command::SHOW_USAGE);
@@ -249,18 +249,18 @@ TEST_F(Options, UnknownOptionsShowTheUsage) {
     EXPECT_EQ(messages, "ifwatch: option '--print' doesn't allow an argument\n");
 }
 
-TEST_F(Options, AQuestionMarkShowsTheUsageWithoutAComplaint) {
+TEST_F(command_line, a_question_mark_shows_the_usage_without_a_complaint) {
     EXPECT_EQ(parse({"-?", "router"}), command::SHOW_USAGE);
     EXPECT_EQ(messages, "");
 }
 
-TEST_F(Options, HelpComesAtOnce) {
+TEST_F(command_line, help_comes_at_once) {
     EXPECT_EQ(parse({"--help", "--colour"}), command::SHOW_HELP);
     EXPECT_EQ(messages, "");
     EXPECT_EQ(parse({"--colour", "--help"}), command::SHOW_USAGE);
 }
 
-TEST_F(Options, ARouterAloneIsAskedForItsInterfaces) {
+TEST_F(command_line, a_router_alone_is_asked_for_its_interfaces) {
     EXPECT_EQ(parse({"router"}), command::TRACE);
     EXPECT_STREQ(settings.host, "router");
     EXPECT_TRUE(settings.list_mode);
@@ -268,7 +268,7 @@ TEST_F(Options, ARouterAloneIsAskedForItsInterfaces) {
     EXPECT_EQ(addinfo(), (std::vector<std::uint8_t>{0, 0, 0, 11, 0, 0, 0, 0}));
 }
 
-TEST_F(Options, AnOldRouterAloneIsProbedForItsChannels) {
+TEST_F(command_line, an_old_router_alone_is_probed_for_its_channels) {
     for (const char* version : {"-V2", "-V1", "-V0", "-V-1"}) {
         SCOPED_TRACE(version);
         EXPECT_EQ(parse({version, "router"}), command::CHANNEL_TEST);
@@ -279,7 +279,7 @@ TEST_F(Options, AnOldRouterAloneIsProbedForItsChannels) {
     EXPECT_TRUE(settings.list_mode);
 }
 
-TEST_F(Options, AnInterfaceIndex) {
+TEST_F(command_line, an_interface_index) {
     EXPECT_EQ(parse({"router", "212345"}), command::TRACE);
     EXPECT_EQ(settings.target.slot, 210);
     EXPECT_EQ(settings.target.unit, 23);
@@ -287,7 +287,7 @@ TEST_F(Options, AnInterfaceIndex) {
     EXPECT_FALSE(settings.list_mode);
 }
 
-TEST_F(Options, ChannelUnitAndSlot) {
+TEST_F(command_line, channel_unit_and_slot) {
     EXPECT_EQ(parse({"router", "0", "1", "2"}), command::TRACE);
     EXPECT_EQ(settings.target.slot, 2);
     EXPECT_EQ(settings.target.unit, 1);
@@ -300,7 +300,7 @@ TEST_F(Options, ChannelUnitAndSlot) {
     EXPECT_EQ(settings.target.channel, 31);
 }
 
-TEST_F(Options, AnyOtherNumberOfArgumentsShowsTheUsage) {
+TEST_F(command_line, any_other_number_of_arguments_shows_the_usage) {
     EXPECT_EQ(parse({}), command::SHOW_USAGE);
     EXPECT_EQ(parse({"-h"}), command::SHOW_USAGE);
     EXPECT_EQ(parse({"router", "1", "2"}), command::SHOW_USAGE);
@@ -309,18 +309,18 @@ TEST_F(Options, AnyOtherNumberOfArgumentsShowsTheUsage) {
     EXPECT_EQ(messages, "");
 }
 
-TEST_F(Options, AnEmptyArgumentVectorShowsTheUsage) {
+TEST_F(command_line, an_empty_argument_vector_shows_the_usage) {
     char* none[] = {nullptr};
     EXPECT_EQ(parse_options(0, none, settings), command::SHOW_USAGE);
 }
 
-TEST_F(Options, TheRouterNamedAsAnArgumentWins) {
+TEST_F(command_line, the_router_named_as_an_argument_wins) {
     EXPECT_EQ(parse({"-H", "other", "router", "5"}), command::TRACE);
     EXPECT_STREQ(settings.host, "router");
     EXPECT_EQ(settings.target.channel, 5);
 }
 
-TEST_F(Options, OptionsMayStandBehindArguments) {
+TEST_F(command_line, options_may_stand_behind_arguments) {
     EXPECT_EQ(parse({"router", "-h", "1000", "-P", "7002"}), command::TRACE);
     EXPECT_STREQ(settings.host, "router");
     EXPECT_EQ(settings.mode_flags, MODE_HEX);
@@ -328,7 +328,7 @@ TEST_F(Options, OptionsMayStandBehindArguments) {
     EXPECT_EQ(settings.target.slot, 1);
 }
 
-TEST_F(Options, ThePasswordLeavesTheArgumentVector) {
+TEST_F(command_line, the_password_leaves_the_argument_vector) {
     parse_for_trace({"--pwd=se=cret", "--pwd", "second"});
     EXPECT_STREQ(settings.password.text(), "second");
     EXPECT_EQ(vectors.back().text(1), std::string("--pwd=\0\0\0\0\0\0\0", 13));
@@ -338,29 +338,29 @@ TEST_F(Options, ThePasswordLeavesTheArgumentVector) {
     EXPECT_EQ(settings.password.text(), nullptr);
 }
 
-TEST_F(Options, AnEmptyPasswordIsAPassword) {
+TEST_F(command_line, an_empty_password_is_a_password) {
     parse_for_trace({"--pwd="});
     EXPECT_STREQ(settings.password.text(), "");
 }
 
-TEST_F(Options, FiltersMayFillTheWholeBuffer) {
+TEST_F(command_line, filters_may_fill_the_whole_buffer) {
     // The section header, one filter's header, two end elements and START take 20 octets.
     parse_for_trace({"-I", std::string(1024 - 20, 'x')});
     EXPECT_EQ(settings.addinfo.used, 1024);
 }
 
-TEST_F(Options, FiltersThatDoNotFitAreRefused) {
+TEST_F(command_line, filters_that_do_not_fit_are_refused) {
     EXPECT_EQ(parse({"-I", std::string(1024 - 19, 'x'), "router", "1000"}), command::SHOW_USAGE);
     EXPECT_EQ(messages, "ERROR filters too long (1025 > 1024 octets)\n");
 }
 
-TEST_F(Options, LineElementsCountForTheBufferToo) {
+TEST_F(command_line, line_elements_count_for_the_buffer_too) {
     EXPECT_EQ(parse({"-I", std::string(1024 - 20, 'x'), "--vci=1", "--vpi=1", "-z", "router", "1000"}),
               command::SHOW_USAGE);
     EXPECT_EQ(messages, "ERROR filters too long (1039 > 1024 octets)\n");
 }
 
-TEST_F(Options, OtherUsageErrorsComeBeforeTheLengthOfFilters) {
+TEST_F(command_line, other_usage_errors_come_before_the_length_of_filters) {
     EXPECT_EQ(parse({"-I", std::string(5000, 'x')}), command::SHOW_USAGE);
     EXPECT_EQ(messages, "");
     EXPECT_EQ(parse({"-I", std::string(5000, 'x'), "--help"}), command::SHOW_HELP);

@@ -13,25 +13,25 @@ std::string name_of(const char* path) {
     return std::string(program_name());
 }
 
-TEST(ProgramName, IsThePartBehindTheLastSlash) {
+TEST(program_name, is_the_part_behind_the_last_slash) {
     EXPECT_EQ(name_of("./bin/x"), "x");
     EXPECT_EQ(name_of("/usr/bin/ifwatch"), "ifwatch");
     EXPECT_EQ(name_of("tracer"), "tracer");
     EXPECT_EQ(name_of("bin/"), "");
 }
 
-TEST(ProgramName, KeepsThirtyTwoCharacters) {
+TEST(program_name, keeps_thirty_two_characters) {
     const std::string longest(32, 'n');
     EXPECT_EQ(name_of(longest.c_str()), longest);
     EXPECT_EQ(name_of(("/bin/" + longest + "more").c_str()), longest);
 }
 
-TEST(ProgramName, AShorterNameReplacesALongerOneWhole) {
+TEST(program_name, a_shorter_name_replaces_a_longer_one_whole) {
     EXPECT_EQ(name_of("a-rather-long-name"), "a-rather-long-name");
     EXPECT_EQ(name_of("short"), "short");
 }
 
-TEST(ProgramName, StaysWhenThereIsNone) {
+TEST(program_name, stays_when_there_is_none) {
     EXPECT_EQ(name_of("tracer"), "tracer");
     EXPECT_EQ(name_of(nullptr), "tracer");
 }

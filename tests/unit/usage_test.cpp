@@ -110,14 +110,14 @@ constexpr char HELP[] =
     "  -B 1.1.1.10:1.1.1.20:6:1026:23   a TCP session between two hosts & ports\n"
     "\n";
 
-TEST(Usage, PrintsEveryOptionWithTheProgramName) {
+TEST(usage, prints_every_option_with_the_program_name) {
     set_program_name("/usr/local/bin/tracer");
     testing::internal::CaptureStderr();
     EXPECT_EQ(print_usage(), 1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), USAGE);
 }
 
-TEST(Usage, HelpExplainsEnvironmentAndFilters) {
+TEST(usage, help_explains_environment_and_filters) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(print_help(), 1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), HELP);
