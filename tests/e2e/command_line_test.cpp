@@ -133,8 +133,8 @@ TEST(run, decodes_to_the_terminal_and_ends_with_status_0) {
     const scripted_daemon daemon(serving(2));
     const outcome got = ifwatch({"-V1", daemon.port_option(), "127.0.0.1", "1000"});
     EXPECT_EQ(got.status, 0);
-    EXPECT_THAT(got.output, StartsWith("000001.000 X DATA[0014]"));
-    EXPECT_THAT(got.output, HasSubstr("\n000002.000 X DATA[0014]"));
+    EXPECT_THAT(got.output, StartsWith("000001.000 X DATA[0014]   \n"));
+    EXPECT_THAT(got.output, HasSubstr("\n000002.000 X DATA[0014]   \n"));
     EXPECT_EQ(got.errors, "ifwatch: connected to 127.0.0.1:" + std::to_string(daemon.port()) +
                               "\nIfc:1000 (Chan:0 Unit:0 Slot:1) Type: 6 (LAN)\n \ntrc hdr too short! = 0<22\n");
 }

@@ -84,12 +84,11 @@ TEST(exec_cmd, the_fortieth_word_keeps_the_rest) {
 }
 
 TEST(exec_cmd, tells_the_process_at_the_highest_level) {
-    int child = 0;
     std::string command = "true";
     verbose_level = 3;
     testing::internal::CaptureStderr();
     exec_cmd(command.data());
-    child = wait(nullptr);
+    const int child = wait(nullptr);
     verbose_level = 0;
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "starting: true\nexec_cmd: args 0: true\nexec_cmd: args 1: (null)\nstarted pid " + std::to_string(child) +
@@ -150,7 +149,7 @@ TEST(start_analyser, has_a_command_of_its_own) {
 
 TEST(start_analyser, a_command_is_cut_at_255_characters) {
     setenv(EXEC_VARIABLE, ("true " + std::string(245, 'x')).c_str(), 1);
-    EXPECT_EQ(messages_of_start("/tmp/name"),
+    EXPECT_EQ(messages_of(0, [] { start_analyser("/tmp/name"); }),
               "start prog $TRACE_EXEC\nstarting: true " + std::string(245, 'x') + " /tmp\n");
     unsetenv(EXEC_VARIABLE);
 }

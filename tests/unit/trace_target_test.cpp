@@ -12,8 +12,6 @@ struct split_case {
     std::int32_t index, slot, unit, channel;
 };
 
-void PrintTo(const split_case& row, std::ostream* out) { *out << row.index; }
-
 class split_index : public testing::TestWithParam<split_case> {};
 
 TEST_P(split_index, names_slot_unit_and_channel) {
