@@ -20,10 +20,10 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-const std::string USAGE_START =
+constexpr char USAGE_START[] =
     "\nKavrin/Velmora remote interface tracer ($Revision: 2.43 $)\n\n"
     "Usage:\n  ifwatch [opts] <routerip> [<channel> <unit> <slot> or <ifindex>]\n";
-const std::string HELP_START =
+constexpr char HELP_START[] =
     "\nKavrin/Velmora remote interface tracer ($Revision: 2.43 $)\n\nExtended help and examples\n";
 
 outcome ifwatch(std::vector<std::string> arguments) {
@@ -66,7 +66,7 @@ TEST(usage, is_shown_for_a_wrong_number_of_arguments) {
 TEST(usage, follows_the_complaint_about_an_option) {
     const outcome got = ifwatch({"--colour", "router"});
     EXPECT_EQ(got.status, 1);
-    EXPECT_THAT(got.errors, StartsWith("ifwatch: unrecognized option '--colour'\n" + USAGE_START));
+    EXPECT_THAT(got.errors, StartsWith("ifwatch: unrecognized option '--colour'\n" + std::string(USAGE_START)));
 }
 
 TEST(usage, extended_help) {
@@ -92,7 +92,7 @@ TEST(usage, the_program_is_named_as_it_was_called) {
 TEST(filters, that_do_not_fit_are_refused_before_anything_is_connected) {
     const outcome got = ifwatch({"-P1", "-I", std::string(1005, 'x'), "127.0.0.1", "1000"});
     EXPECT_EQ(got.status, 1);
-    EXPECT_THAT(got.errors, StartsWith("ERROR filters too long (1025 > 1024 octets)\n" + USAGE_START));
+    EXPECT_THAT(got.errors, StartsWith("ERROR filters too long (1025 > 1024 octets)\n" + std::string(USAGE_START)));
     EXPECT_THAT(got.errors, Not(HasSubstr("connect (")));
 }
 
@@ -142,7 +142,7 @@ TEST(run, decodes_to_the_terminal_and_ends_with_status_0) {
 TEST(run, a_terminal_that_is_gone_ends_it_with_status_1) {
     const scripted_daemon daemon(serving(2));
     const outcome got = run({.program = "sh",
-                             .arguments = {"-c", "exec \"$0\" \"$@\" > /dev/full", IFWATCH_PROGRAM, "-V1",
+                             .arguments = {"-c", R"(exec "$0" "$@" > /dev/full)", IFWATCH_PROGRAM, "-V1",
                                            daemon.port_option(), "127.0.0.1", "1000"}});
     EXPECT_EQ(got.status, 1);
     EXPECT_THAT(got.errors, HasSubstr("\nERROR write (No space left on device)\n"));

@@ -32,6 +32,21 @@ constexpr const char* COUNTER_START = "Packets captured:        0";
 constexpr const char* COUNTER_BACK = "\b\b\b\b\b\b\b\b";
 constexpr const char* EXEC_HINT = "\tstart now manually or set $TRACE_EXEC (default: \"ethereal -Sk -i\")\n";
 
+/// Leaves its arguments, and what it read from the third of them, in its own directory.
+constexpr const char* RECORDING_ANALYSER = R"(#!/bin/sh
+here=${0%/*}
+printf '%s\n' "$#" "$@" > "$here/arguments"
+cat "$3" > "$here/part" && mv "$here/part" "$here/captured"
+)";
+
+/// Reads to the end, then leaves a list of the files it has open.
+constexpr const char* FILE_LISTING_ANALYSER = R"(#!/bin/sh
+here=${0%/*}
+cat "$1" > /dev/null
+ls -l /proc/$$/fd > "$here/part"
+mv "$here/part" "$here/open"
+)";
+
 bool exists(const std::string& path) {
     struct stat entry {};
     return lstat(path.c_str(), &entry) == 0;
@@ -121,17 +136,24 @@ TEST_F(pcap_pipe, says_what_it_opens) {
               connected_to(daemon) + created_pipe(name) + "open file " + name + "\n" + COUNTER_START + STREAM_END);
 }
 
-TEST_F(pcap_pipe, replaces_an_old_pipe_and_an_old_file) {
+TEST_F(pcap_pipe, replaces_an_old_file) {
     directory.write("out", "old");
-    for (int i = 0; i < 2; ++i) {
-        const scripted_daemon daemon(serving(1));
-        process tracer(tracing(daemon, {"--pcap-pipe", option}));
-        ASSERT_TRUE(tracer.wait_for_errors("start now"));
-        EXPECT_EQ(mode_of(name), S_IFIFO | 0600U);
-        EXPECT_EQ(run(reading(name)).output, pcap_of(1));
-        EXPECT_EQ(tracer.wait().status, 0);
-        ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
-    }
+    const scripted_daemon daemon(serving(1));
+    process tracer(tracing(daemon, {"--pcap-pipe", option}));
+    ASSERT_TRUE(tracer.wait_for_errors("start now"));
+    EXPECT_EQ(mode_of(name), S_IFIFO | 0600U);
+    EXPECT_EQ(run(reading(name)).output, pcap_of(1));
+    EXPECT_EQ(tracer.wait().status, 0);
+}
+
+TEST_F(pcap_pipe, replaces_an_old_pipe) {
+    ASSERT_EQ(mkfifo(name.c_str(), 0644), 0);
+    const scripted_daemon daemon(serving(1));
+    process tracer(tracing(daemon, {"--pcap-pipe", option}));
+    ASSERT_TRUE(tracer.wait_for_errors("start now"));
+    EXPECT_EQ(mode_of(name), S_IFIFO | 0600U);
+    EXPECT_EQ(run(reading(name)).output, pcap_of(1));
+    EXPECT_EQ(tracer.wait().status, 0);
 }
 
 TEST_F(pcap_pipe, that_cannot_be_created_ends_the_run) {
@@ -171,7 +193,7 @@ TEST_F(pcap_pipe, goes_when_its_reader_has_gone) {
 TEST_F(pcap_pipe, goes_with_a_run_whose_terminal_is_gone) {
     const scripted_daemon daemon(serving(1));
     process tracer({.program = "sh",
-                    .arguments = {"-c", "exec \"$0\" \"$@\" > /dev/full", IFWATCH_PROGRAM, "-V1", daemon.port_option(),
+                    .arguments = {"-c", R"(exec "$0" "$@" > /dev/full)", IFWATCH_PROGRAM, "-V1", daemon.port_option(),
                                   "--pcap-pipe", "--print", option, "127.0.0.1", "1000"}});
     ASSERT_TRUE(tracer.wait_for_errors("start now"));
     run(reading(name));
@@ -185,7 +207,7 @@ TEST_F(pcap_pipe, that_somebody_removed_is_not_missed_at_the_end) {
     const scripted_daemon daemon(serving(1));
     process tracer(tracing(daemon, {"--pcap-pipe", option}));
     ASSERT_TRUE(tracer.wait_for_errors("start now"));
-    process reader({.program = "sh", .arguments = {"-c", "exec < \"$0\"; rm \"$0\"; cat", name}});
+    process reader({.program = "sh", .arguments = {"-c", R"(exec < "$0"; rm "$0"; cat)", name}});
     EXPECT_EQ(reader.wait().output, pcap_of(1));
     const outcome got = tracer.wait();
     EXPECT_EQ(got.status, 0);
@@ -359,11 +381,7 @@ TEST_F(pcap_file, a_name_too_long_is_not_cut) {
 }
 
 TEST_F(analyser, reads_the_pipe) {
-    const std::string script =
-        directory.write("analyser",
-                        "#!/bin/sh\n"
-                        "printf '%s\\n' \"$#\" \"$@\" > \"${0%/*}/arguments\"\n"
-                        "cat \"$3\" > \"${0%/*}/part\" && mv \"${0%/*}/part\" \"${0%/*}/captured\"\n");
+    const std::string script = directory.write("analyser", RECORDING_ANALYSER);
     ASSERT_EQ(chmod(script.c_str(), 0700), 0);
     const scripted_daemon daemon(serving(2));
     command what = tracing(daemon, {"--ethereal", option});
@@ -395,9 +413,7 @@ TEST_F(analyser, that_does_not_start_may_be_started_by_hand) {
 }
 
 TEST_F(analyser, does_not_keep_the_connection_to_the_router) {
-    const std::string script = directory.write("analyser",
-                                               "#!/bin/sh\ncat \"$1\" > /dev/null\nls -l /proc/$$/fd > "
-                                               "\"${0%/*}/part\"\nmv \"${0%/*}/part\" \"${0%/*}/open\"\n");
+    const std::string script = directory.write("analyser", FILE_LISTING_ANALYSER);
     ASSERT_EQ(chmod(script.c_str(), 0700), 0);
     const scripted_daemon daemon(serving(1));
     command what = tracing(daemon, {"--ethereal", option});

@@ -127,7 +127,8 @@ TEST(start_analyser, takes_the_command_of_the_environment) {
 }
 
 TEST(start_analyser, has_a_command_of_its_own) {
-    const std::string path = std::getenv("PATH");
+    const char* const found = std::getenv("PATH");
+    const std::string path = found != nullptr ? found : "";
     setenv("PATH", "/no/such/directory", 1);
     for (const bool set_but_empty : {false, true}) {
         if (set_but_empty) {
