@@ -14,7 +14,7 @@ namespace ifwatch {
 namespace {
 
 constexpr int BLOCK_IDENTIFIER = 0x30;
-constexpr int HEADER = 2;  // identifier and length, of the block and of an attribute
+constexpr int ATTRIBUTE_HEADER = 2;
 
 constexpr named_value FILE_TYPES[] = {
     {0x40, "description file"}, {0x41, "software file"}, {0x42, "data file"},
@@ -152,10 +152,10 @@ void print_attribute(int identifier, octets value) {
 void dump_eft_attribute_list(octets attributes, int count) {
     int left = std::min(count, attributes.length);
     while (left > 0 && attributes.held() > 0) {
-        const int value_length = std::min<int>(attributes[1], attributes.length - HEADER);
-        print_attribute(attributes[0], attributes.at(HEADER, value_length));
-        attributes = attributes.skip(HEADER + value_length);
-        left -= HEADER + value_length;
+        const int value_length = std::min<int>(attributes[1], attributes.length - ATTRIBUTE_HEADER);
+        print_attribute(attributes[0], attributes.at(ATTRIBUTE_HEADER, value_length));
+        attributes = attributes.skip(ATTRIBUTE_HEADER + value_length);
+        left -= ATTRIBUTE_HEADER + value_length;
     }
     print<"\n">();
 }
@@ -165,7 +165,7 @@ int dump_eft_attributes(octets block) {
         return -1;
     }
     const int block_length = block[1];
-    dump_eft_attribute_list(block.skip(HEADER), block_length);
+    dump_eft_attribute_list(block.skip(EFT_BLOCK_HEADER), block_length);
     return block_length;
 }
 

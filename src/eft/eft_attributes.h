@@ -10,6 +10,8 @@ namespace ifwatch {
 //     octet 1   length of the attributes that follow
 //     octet 2   attribute: identifier, length, value; and so on to the end of the block
 
+inline constexpr int EFT_BLOCK_HEADER = 2;
+
 /// Prints one line for each attribute of a file attribute block and ends the last line. `block.length` is the data
 /// given: attributes and their values are cut there. Returns the block's length octet, or -1, with nothing printed,
 /// when the block does not start with 0x30.

@@ -35,11 +35,11 @@ constexpr table_text SERVICE_CLASSES[] = {"basic kernel", "symmetrical service"}
 /// The block of attributes is the value, or the parameter itself where the value holds the attributes at once.
 void show_file_description(const eft_parameter& parameter, eft_tdu_state& state) {
     const octets value = parameter.value;
-    int block_length = value.length;
-    if (value.length > 0 && value[0] == EFT_FILE_DESCRIPTION) {
-        block_length = std::min(2 + dump_eft_attributes(value), value.length);
-    } else {
+    const int attributes_length = dump_eft_attributes(value);
+    int block_length = std::min(EFT_BLOCK_HEADER + attributes_length, value.length);
+    if (attributes_length < 0) {
         dump_eft_attribute_list(value, value.length);
+        block_length = value.length;
     }
     if (state.response_command == EFT_DIRECTORY) {
         const int behind_block = value.length - block_length;
