@@ -21,10 +21,10 @@ constexpr int CONSTRUCTED = 0x20;
 constexpr int TAG_SEQUENCE = CONSTRUCTED | 16;
 
 struct ber_header {
-    int tag_class;
-    int tag;   // 6 bits: the constructed bit included
-    int size;  // octets of identifier and length
-    std::uint32_t content_length;
+    int tag_class = UNIVERSAL;
+    int tag = 0;   // 6 bits: the constructed bit included
+    int size = 2;  // octets of identifier and length
+    std::uint32_t content_length = 0;
 
     [[nodiscard]] constexpr int number() const { return tag & ~CONSTRUCTED; }
 };
@@ -232,7 +232,7 @@ void print_primitive(int depth, const ber_style& style, const ber_element& eleme
 /// The elements of one level that are still to be printed.
 struct ber_level {
     octets contents;
-    std::uint64_t left;  // octets, as declared
+    std::uint64_t left = 0;  // octets, as declared
 };
 
 ber_element take_element(ber_level& level) {

@@ -9,7 +9,7 @@ namespace ifwatch {
 
 /// One kind of information element: what its line begins with and who prints its contents, if anybody does.
 struct element_type {
-    int identifier;
+    int identifier = 0;
     table_text label;
     void (*contents)(octets element) = nullptr;
     void (*contents_by_variant)(int variant, octets element) = nullptr;
