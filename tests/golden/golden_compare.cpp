@@ -20,9 +20,10 @@ std::string_view take_line(std::string_view& text) {
 /// A header line begins with a time stamp: six digits or more, a point and three digits.
 bool begins_record(std::string_view line) {
     const auto is_digit = [](char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; };
-    const auto stop = std::find_if_not(line.begin(), line.end(), is_digit);
-    const std::string_view rest = line.substr(static_cast<std::size_t>(stop - line.begin()));
-    return stop - line.begin() >= 6 && rest.size() > 4 && rest[0] == '.' && rest[4] == ' ' &&
+    const std::size_t digits =
+        static_cast<std::size_t>(std::find_if_not(line.begin(), line.end(), is_digit) - line.begin());
+    const std::string_view rest = line.substr(digits);
+    return digits >= 6 && rest.size() > 4 && rest[0] == '.' && rest[4] == ' ' &&
            std::all_of(rest.begin() + 1, rest.begin() + 4, is_digit);
 }
 
@@ -39,7 +40,7 @@ bool is_mark(std::string_view line, const std::string& options) {
 }  // namespace
 
 std::string visible(std::string_view line) {
-    constexpr char DIGITS[] = "0123456789ABCDEF";
+    constexpr char digits[] = "0123456789ABCDEF";
     std::string result = "\"";
     for (const char c : line) {
         const auto octet = static_cast<unsigned char>(c);
@@ -48,7 +49,7 @@ std::string visible(std::string_view line) {
         } else if (c == '\t') {
             result += "\\t";
         } else if (octet < 0x20 || octet > 0x7E) {
-            result += {'\\', 'x', DIGITS[octet >> 4], DIGITS[octet & 0x0F]};
+            result += {'\\', 'x', digits[octet >> 4], digits[octet & 0x0F]};
         } else {
             result += c;
         }

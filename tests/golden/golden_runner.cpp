@@ -5,7 +5,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <string>
@@ -13,6 +12,7 @@
 
 #include "golden/golden_compare.h"
 #include "sim/case_file.h"
+#include "sim/text_parts.h"
 #include "support/process.h"
 #include "support/temp_directory.h"
 
@@ -160,12 +160,12 @@ bool holds(const runner_options& options, const std::string& path) {
     trace_case golden;
     std::string error;
     if (!read_case_file(path, golden, error)) {
-        std::fprintf(stderr, "%s\n", error.c_str());
+        static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
         return false;
     }
     const failure wrong = check_case(options, golden);
     if (!wrong.empty()) {
-        std::fprintf(stderr, "%s: %s", path.c_str(), wrong.c_str());
+        static_cast<void>(std::fprintf(stderr, "%s: %s", path.c_str(), wrong.c_str()));
     }
     return wrong.empty();
 }
@@ -173,6 +173,12 @@ bool holds(const runner_options& options, const std::string& path) {
 std::string beside_this_program(const std::string& name) {
     std::error_code ignored;
     return (std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path() / name).string();
+}
+
+bool parse_seconds(const char* text, std::chrono::seconds& value) {
+    const auto number = ifwatch::sim::parse_number(text, 1, 3600);
+    value = std::chrono::seconds(number.value_or(0));
+    return number.has_value();
 }
 
 /// Returns -1 to go on, or the exit status.
@@ -188,8 +194,8 @@ int parse_options(int argc, char** argv, runner_options& options) {
             options.ifwatch = optarg;
         } else if (code == 'a') {
             options.accept = true;
-        } else if (code == 't' && std::atoi(optarg) > 0) {
-            options.timeout = std::chrono::seconds(std::atoi(optarg));
+        } else if (code == 't' && parse_seconds(optarg, options.timeout)) {
+            continue;
         } else if (code == 'h') {
             return std::fputs(HELP, stdout) < 0 ? 1 : 0;
         } else {
@@ -198,7 +204,7 @@ int parse_options(int argc, char** argv, runner_options& options) {
     }
     options.cases.assign(argv + optind, argv + argc);
     if (options.cases.empty()) {
-        std::fputs("golden_runner: no case given (--help tells more)\n", stderr);
+        static_cast<void>(std::fputs("golden_runner: no case given (--help tells more)\n", stderr));
         return 2;
     }
     return -1;
@@ -216,7 +222,7 @@ int main(int argc, char** argv) {
         failed += holds(options, path) ? 0 : 1;
     }
     if (options.cases.size() > 1) {
-        std::printf("%zu cases, %d failed\n", options.cases.size(), failed);
+        static_cast<void>(std::printf("%zu cases, %d failed\n", options.cases.size(), failed));
     }
     return failed == 0 ? 0 : 1;
 }

@@ -2,16 +2,14 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <string_view>
-
-extern char** environ;
 
 namespace ifwatch::test {
 
@@ -28,9 +26,10 @@ std::vector<std::string> environment_for(const command& what) {
             result.emplace_back(text);
         }
     }
-    for (const auto& [name, value] : what.environment) {
-        std::erase_if(result, [&](const std::string& entry) { return entry.starts_with(name + "="); });
-        result.push_back(name + "=" + value);
+    for (const auto& variable : what.environment) {
+        const std::string assignment = variable.first + "=";
+        std::erase_if(result, [&assignment](const std::string& entry) { return entry.starts_with(assignment); });
+        result.push_back(assignment + variable.second);
     }
     return result;
 }

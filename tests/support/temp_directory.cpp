@@ -1,7 +1,6 @@
 #include "support/temp_directory.h"
 
-#include <stdlib.h>
-
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>

@@ -17,8 +17,8 @@ public:
     [[nodiscard]] const std::string& path() const { return path_; }
     [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }
 
-    /// Writes a file into it and returns its path.
-    std::string write(const std::string& name, const std::string& text) const;
+    /// Writes a file into it and returns its path, for those who want it.
+    std::string write(const std::string& name, const std::string& text) const;  // NOLINT(modernize-use-nodiscard)
 
 private:
     std::string path_;

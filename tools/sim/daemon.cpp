@@ -16,6 +16,7 @@
 
 #include "sim/peer.h"
 #include "sim/session.h"
+#include "sim/text_parts.h"
 
 namespace ifwatch::sim {
 
@@ -34,11 +35,25 @@ struct running_session {
     std::atomic<bool> done = false;
 };
 
+void log_session(std::uint64_t number, const session_report& report) {
+    std::string line = "client " + std::to_string(number) + ": ";
+    if (report.version != 0) {
+        line += "version " + std::to_string(report.version) + ", ";
+    }
+    line += report.result.empty() ? "gone" : report.result;
+    if (report.traced) {
+        line += ", " + std::to_string(report.records) + (report.records == 1 ? " record" : " records");
+    }
+    static_cast<void>(std::fprintf(stderr, "%s\n", line.c_str()));
+}
+
 class client_server {
 public:
     client_server(const daemon_setup& setup, const std::vector<trace_case>& cases) : setup_(setup), cases_(cases) {}
     client_server(const client_server&) = delete;
     client_server& operator=(const client_server&) = delete;
+    client_server(client_server&&) = delete;
+    client_server& operator=(client_server&&) = delete;
     ~client_server() {
         close(wake_[0]);
         close(wake_[1]);
@@ -49,7 +64,6 @@ public:
 private:
     void start(int socket);
     void serve(running_session& session, std::uint64_t number);
-    void log(std::uint64_t number, const session_report& report) const;
     void tidy();
     void end_all();
 
@@ -63,7 +77,7 @@ private:
 
 void client_server::run(int listener, int stop) {
     if (pipe(wake_) != 0) {
-        std::fprintf(stderr, "ifwatch-sim: pipe: %s\n", std::strerror(errno));
+        static_cast<void>(std::fprintf(stderr, "ifwatch-sim: pipe: %s\n", std::strerror(errno)));
         return;
     }
     while (true) {
@@ -90,28 +104,16 @@ void client_server::start(int socket) {
 }
 
 void client_server::serve(running_session& session, std::uint64_t number) {
-    peer client(session.socket, wake_[0], setup_.trouble.kind == fault_kind::DRIP);
+    const peer client(session.socket, wake_[0], setup_.trouble.kind == fault_kind::DRIP);
     const session_report report = serve_session(client, setup_, cases_);
     if (setup_.verbose) {
-        log(number, report);
+        log_session(number, report);
     }
     shutdown(session.socket, SHUT_RDWR);
     if (report.traced && ++traced_ == setup_.sessions) {
         [[maybe_unused]] const auto woken = write(wake_[1], "", 1);
     }
     session.done = true;
-}
-
-void client_server::log(std::uint64_t number, const session_report& report) const {
-    std::string line = "client " + std::to_string(number) + ": ";
-    if (report.version != 0) {
-        line += "version " + std::to_string(report.version) + ", ";
-    }
-    line += report.result.empty() ? "gone" : report.result;
-    if (report.traced) {
-        line += ", " + std::to_string(report.records) + (report.records == 1 ? " record" : " records");
-    }
-    std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 void client_server::tidy() {
@@ -167,7 +169,7 @@ int open_listener(const daemon_setup& setup, std::uint16_t& port, std::string& e
     address.sin_family = AF_INET;
     address.sin_port = htons(setup.port);
     if (inet_pton(AF_INET, setup.listen.c_str(), &address.sin_addr) != 1) {
-        error = "--listen takes an IPv4 address, not '" + setup.listen + "'";
+        error = "--listen takes an IPv4 address, not " + quoted(setup.listen);
         return -1;
     }
     const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);

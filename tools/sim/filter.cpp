@@ -161,7 +161,7 @@ bool build_filter(std::span<const filter_entry> entries, frame_filter& filter, s
             filter.groups.emplace_back();
             new_group = false;
         }
-        filter.groups.back().push_back(std::move(term));
+        filter.groups.back().push_back(term);
     }
     return true;
 }

@@ -26,11 +26,11 @@ void read_ip(frame_view datagram, frame_fields& fields) {
         return;
     }
     const int protocol = datagram[9];
-    fields.ip = {load_be32(&datagram[12]), load_be32(&datagram[16]), protocol};
+    fields.ip = frame_fields::ip_header{load_be32(&datagram[12]), load_be32(&datagram[16]), protocol};
     const bool first_fragment = (load_be16(&datagram[6]) & 0x1FFF) == 0;
     const frame_view segment = behind(datagram, static_cast<std::size_t>(datagram[0] & 0x0F) * 4);
     if (first_fragment && segment.size() >= 4 && (protocol == PROTOCOL_TCP || protocol == PROTOCOL_UDP)) {
-        fields.ports = {load_be16(&segment[0]), load_be16(&segment[2])};
+        fields.ports = frame_fields::port_pair{load_be16(segment.data()), load_be16(&segment[2])};
     }
 }
 
@@ -47,7 +47,7 @@ bool read_mac(frame_view frame, std::size_t offset, frame_fields& fields) {
     if (frame.size() < offset + 12) {
         return false;
     }
-    fields.mac.emplace();
+    fields.mac = frame_fields::mac_header{};
     std::copy_n(frame.begin() + static_cast<std::ptrdiff_t>(offset), 6, fields.mac->destination.begin());
     std::copy_n(frame.begin() + static_cast<std::ptrdiff_t>(offset) + 6, 6, fields.mac->source.begin());
     return true;

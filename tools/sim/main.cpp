@@ -1,7 +1,7 @@
-#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -19,16 +19,17 @@ using ifwatch::sim::trace_case;
 
 constexpr int STATUS_MISTAKE = 2;
 
-int stop_pipe[2] = {-1, -1};
+// A signal handler can only reach what is global.
+int stop_pipe[2] = {-1, -1};  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 
-extern "C" void on_signal(int) {
+extern "C" void on_signal(int /*signal*/) {
     const int saved = errno;
     [[maybe_unused]] const auto written = write(stop_pipe[1], "", 1);
     errno = saved;
 }
 
 int fail(const std::string& error) {
-    std::fprintf(stderr, "ifwatch-sim: %s\n", error.c_str());
+    static_cast<void>(std::fprintf(stderr, "ifwatch-sim: %s\n", error.c_str()));
     return STATUS_MISTAKE;
 }
 
@@ -84,8 +85,9 @@ int main(int argc, char** argv) {
     if (listener < 0 || (!options.setup.port_file.empty() && !write_port_file(options.setup.port_file, port, error))) {
         return fail(error);
     }
-    std::printf("listening on %s:%d\n", options.setup.listen.c_str(), port);
-    std::fflush(stdout);
+    if (std::printf("listening on %s:%d\n", options.setup.listen.c_str(), port) < 0 || std::fflush(stdout) != 0) {
+        return fail(std::string("standard output: ") + std::strerror(errno));
+    }
     serve_clients(listener, stop_pipe[0], options.setup, cases);
     close(listener);
     return 0;

@@ -79,7 +79,7 @@ std::string append_octets(std::string_view line, std::size_t limit, std::vector<
         if (line.empty()) {
             return {};
         }
-        const std::string problem = line.starts_with('"') ? take_quoted(line, octets) : take_word(line, limit, octets);
+        std::string problem = line.starts_with('"') ? take_quoted(line, octets) : take_word(line, limit, octets);
         if (!problem.empty()) {
             return problem;
         }

@@ -94,12 +94,12 @@ bool set_pace(const std::string& text, daemon_setup& setup) {
 bool set_rate(const std::string& text, daemon_setup& setup) { return parse_positive(text, setup.rate); }
 bool set_loop(const std::string& text, daemon_setup& setup) { return parse_count(text, 0, setup.loops); }
 bool set_sessions(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.sessions); }
-bool set_once(const std::string&, daemon_setup& setup) {
+bool set_once(const std::string& /*text*/, daemon_setup& setup) {
     setup.sessions = 1;
     return true;
 }
 bool set_fault(const std::string& text, daemon_setup& setup) { return parse_fault(text, setup.trouble); }
-bool set_verbose(const std::string&, daemon_setup& setup) {
+bool set_verbose(const std::string& /*text*/, daemon_setup& setup) {
     setup.verbose = true;
     return true;
 }

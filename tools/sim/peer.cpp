@@ -35,7 +35,7 @@ int milliseconds_until(peer::time_point when) {
 
 }  // namespace
 
-bool peer::send(std::span<const std::uint8_t> octets) {
+bool peer::send(std::span<const std::uint8_t> octets) const {
     if (!drip_) {
         return write_all(socket_, octets);
     }
@@ -50,7 +50,7 @@ bool peer::send(std::span<const std::uint8_t> octets) {
     return true;
 }
 
-bool peer::wait_until(time_point when) {
+bool peer::wait_until(time_point when) const {
     while (clock::now() < when) {
         pollfd watched[] = {{socket_, POLLIN, 0}, {stop_, POLLIN, 0}};
         const int ready = poll(watched, 2, milliseconds_until(when));
@@ -64,14 +64,14 @@ bool peer::wait_until(time_point when) {
     return true;
 }
 
-void peer::wait_for_end() {
+void peer::wait_for_end() const {
     while (wait_until(clock::now() + 1h)) {
     }
 }
 
-void peer::finish() {
+void peer::finish() const {
     shutdown(socket_, SHUT_WR);
-    wait_until(clock::now() + LINGER);
+    static_cast<void>(wait_until(clock::now() + LINGER));
 }
 
 }  // namespace ifwatch::sim

@@ -16,16 +16,16 @@ public:
     [[nodiscard]] int socket() const { return socket_; }
 
     /// Sends everything, with the drip fault octet by octet. False when the client has gone.
-    bool send(std::span<const std::uint8_t> octets);
+    [[nodiscard]] bool send(std::span<const std::uint8_t> octets) const;
 
     /// Waits. False when the client has gone or the daemon is to end before that time.
-    bool wait_until(time_point when);
+    [[nodiscard]] bool wait_until(time_point when) const;
 
     /// Waits until the client has gone or the daemon is to end.
-    void wait_for_end();
+    void wait_for_end() const;
 
     /// Closes our direction and reads away what the client still sends, so that what was sent reaches it whole.
-    void finish();
+    void finish() const;
 
 private:
     int socket_;

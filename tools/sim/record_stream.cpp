@@ -15,7 +15,7 @@ namespace {
 
 using clock = std::chrono::steady_clock;
 
-constexpr std::size_t BATCH = 64 * 1024;
+constexpr std::size_t BATCH = 0x10000;
 constexpr std::uint32_t EVENT_LAYER_1 = 7;
 
 bool selects_atm(const record_selection& selection, const case_record& record) {
@@ -32,7 +32,7 @@ bool selects_atm(const record_selection& selection, const case_record& record) {
 /// for.
 class record_sender {
 public:
-    record_sender(peer& client, const daemon_setup& setup, const record_selection& selection)
+    record_sender(const peer& client, const daemon_setup& setup, const record_selection& selection)
         : client_(client), setup_(setup), selection_(selection) {}
 
     std::uint64_t run();
@@ -45,7 +45,7 @@ private:
     [[nodiscard]] clock::time_point due(std::uint32_t time_ms) const;
     bool flush();
 
-    peer& client_;
+    const peer& client_;
     const daemon_setup& setup_;
     const record_selection& selection_;
     std::vector<std::uint8_t> batch_;
@@ -147,7 +147,7 @@ bool selects(const record_selection& selection, const case_record& record) {
     return !fields || passes(selection.filter, *fields);
 }
 
-std::uint64_t send_records(peer& client, const daemon_setup& setup, const record_selection& selection) {
+std::uint64_t send_records(const peer& client, const daemon_setup& setup, const record_selection& selection) {
     return record_sender(client, setup, selection).run();
 }
 

@@ -25,6 +25,6 @@ struct record_selection {
 
 /// Sends the selected records at the pace and with the faults of the setup, until they have been sent as often as
 /// wanted, the client has gone or the daemon is to end. Returns how many went out whole.
-std::uint64_t send_records(peer& client, const daemon_setup& setup, const record_selection& selection);
+std::uint64_t send_records(const peer& client, const daemon_setup& setup, const record_selection& selection);
 
 }  // namespace ifwatch::sim

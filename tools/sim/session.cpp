@@ -38,7 +38,7 @@ std::int64_t interface_of(const trace_request& request) {
 
 class session {
 public:
-    session(peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases)
+    session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases)
         : client_(client), setup_(setup), cases_(cases) {}
 
     session_report run() {
@@ -69,7 +69,7 @@ private:
     [[nodiscard]] const trace_case* find_case() const;
     bool closes_after(session_step step);
 
-    peer& client_;
+    const peer& client_;
     const daemon_setup& setup_;
     const std::vector<trace_case>& cases_;
     trace_request request_;
@@ -169,7 +169,7 @@ bool session::read_request() {
         end("closed before the trace request");
         return false;
     }
-    const auto word = [&words](int i) { return static_cast<std::int32_t>(load_be32(&words[4 * i])); };
+    const auto word = [&words](std::size_t i) { return static_cast<std::int32_t>(load_be32(&words[4 * i])); };
     request_ = {word(0), word(1), word(2), word(3), word(4)};
     return true;
 }
@@ -294,7 +294,7 @@ bool session::closes_after(session_step step) {
 
 }  // namespace
 
-session_report serve_session(peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases) {
+session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases) {
     return session(client, setup, cases).run();
 }
 
