@@ -4,18 +4,25 @@
 #include <iterator>
 
 #include "atm/cell_header.h"
+#include "atm/ima.h"
+#include "atm/oam.h"
 #include "base/print.h"
 #include "display/async_hdlc.h"
 #include "display/bchannel.h"
 #include "display/mode_flags.h"
 #include "isdn/dchannel.h"
 #include "isdn/pabx.h"
+#include "lan/ethernet.h"
+#include "lan/rfc1483.h"
+#include "lan/token_ring.h"
+#include "lan/tunnel.h"
 #include "lan/wlan_oid.h"
 
 namespace ifwatch {
 
 namespace {
 
+constexpr int CELL_HEADER = 4;
 constexpr int WLAN_HEADER = 8;  // the object and a word that tells a set request from a get request
 
 bool direction_header(text_sink& out, shown_record& record) {
@@ -98,9 +105,39 @@ void show_bchannel(shown_record& record) {
     }
 }
 
+void show_atm(shown_record& record) {
+    const octets payload = record.has_cell_header ? record.payload.skip(CELL_HEADER) : record.payload;
+    if (record.cell_class == CELL_USER_DATA) {
+        dump_rfc1483(payload, record.context);
+    } else if (record.cell_class == CELL_IMA) {
+        dump_ima(payload, record.context);
+    } else {
+        dump_oam(payload, record.context);
+    }
+}
+
+void show_ethernet(shown_record& record) { dump_ethernet(record.payload, record.context); }
+
+/// Every Token Ring frame is shown as Ethernet, too.
+void show_token_ring(shown_record& record) {
+    dump_token_ring(record.payload, record.context);
+    show_ethernet(record);
+}
+
+void show_tunnel(shown_record& record) { dump_tunnel_ip(record.payload, record.context); }
+
 constexpr channel_display CHANNEL_DISPLAYS[] = {
-    {-2, pabx_header, show_pabx}, {0, isdn_header, show_dchannel}, {1, isdn_header, show_bchannel},
-    {2, old_atm_header, nullptr}, {3, atm_header, nullptr},        {4, wlan_header, nullptr},
+    {-2, pabx_header, show_pabx},
+    {0, isdn_header, show_dchannel},
+    {1, isdn_header, show_bchannel},
+    {2, old_atm_header, show_atm},
+    {3, atm_header, show_atm},
+    {4, wlan_header, nullptr},
+    {6, direction_header, show_ethernet},
+    {7, direction_header, show_ethernet},
+    {9, direction_header, show_token_ring},
+    {131, direction_header, show_tunnel},
+    {135, direction_header, show_ethernet},
 };
 constexpr channel_display OTHER_CHANNEL = {-1, direction_header, nullptr};
 
