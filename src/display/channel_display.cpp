@@ -107,13 +107,12 @@ void show_bchannel(shown_record& record) {
 
 void show_atm(shown_record& record) {
     const octets payload = record.has_cell_header ? record.payload.skip(CELL_HEADER) : record.payload;
-    switch (record.cell_class) {
-        case CELL_USER_DATA:
-            return dump_rfc1483(payload, record.context);
-        case CELL_IMA:
-            return dump_ima(payload, record.context);
-        default:
-            return dump_oam(payload, record.context);
+    if (record.cell_class == CELL_USER_DATA) {
+        dump_rfc1483(payload, record.context);
+    } else if (record.cell_class == CELL_IMA) {
+        dump_ima(payload, record.context);
+    } else {
+        dump_oam(payload, record.context);
     }
 }
 
