@@ -1,6 +1,7 @@
 #include "inet/gre.h"
 
 #include "base/print.h"
+#include "display/bchannel.h"
 
 namespace ifwatch {
 
@@ -23,7 +24,7 @@ void print_flags(octets packet) {
     print<" flags %x ver %x\n">(packet[1] >> 3 & 0xF, packet[1] & 7);
 }
 
-void dump_enhanced(octets packet) {
+void dump_enhanced(octets packet, display_context& context) {
     const int payload_length = packet.be16(4);
     octets rest = packet.skip(BASE_HEADER_LENGTH);
     print<"\t\tPPTP, Call ID %x">(packet.be16(6));
@@ -33,18 +34,22 @@ void dump_enhanced(octets packet) {
     }
     if ((packet[1] & ACKNOWLEDGEMENT_PRESENT) != 0) {
         print<" Ack %lx\n">(rest.be32(0));
+        rest = rest.skip(NUMBER_LENGTH);
     } else {
         print<"\n">();
+    }
+    if (payload_length != 0) {
+        dump_bchannel(rest.at(0, payload_length), 0, context);
     }
 }
 
 }  // namespace
 
-void dump_gre(octets packet, display_context& /*context*/) {
+void dump_gre(octets packet, display_context& context) {
     print_flags(packet);
     const int protocol = packet.be16(2);
     if (protocol == PROTOCOL_PPP) {
-        dump_enhanced(packet);
+        dump_enhanced(packet, context);
         return;
     }
     print<"\t\tprotocol %x\n">(protocol);
