@@ -2,9 +2,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string>
 
 #include "base/print.h"
 #include "display/display_context.h"
@@ -48,6 +50,59 @@ void full_hex_dump(benchmark::State& state) {
     show(state, CHANNEL_LAN, MODE_HEX | MODE_FULL_HEX, frame);
 }
 
+// A data segment of 512 octets with its Ethernet header, as a LAN shows by default: -h -i -p.
+constexpr std::uint32_t LAN_DEFAULT = MODE_HEX | MODE_IP | MODE_PPP;
+
+std::array<std::uint8_t, 512> tcp_segment() {
+    constexpr std::uint8_t headers[] = {
+        0x00, 0xA0, 0xF9, 0x01, 0x02, 0x03, 0x00, 0x1B, 0x1E, 0x05, 0x0A, 0x10, 0x08, 0x00,  // Ethernet
+        0x45, 0x00, 0x01, 0xF2, 0x12, 0x34, 0x40, 0x00, 0x40, 0x06, 0xA4, 0xD2,              // IPv4
+        0xC0, 0xA8, 0x00, 0x0A, 0xC0, 0x00, 0x02, 0x50,                                      // addresses
+        0xC0, 0x01, 0x00, 0x50, 0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF0,              // TCP
+        0x50, 0x18, 0x22, 0x38, 0x1A, 0x46, 0x00, 0x00,
+    };
+    std::array<std::uint8_t, 512> frame{};
+    std::ranges::copy(headers, frame.begin());
+    return frame;
+}
+
+void ethernet_tcp(benchmark::State& state) {
+    std::array<std::uint8_t, 512> frame = tcp_segment();
+    show(state, CHANNEL_LAN, LAN_DEFAULT, frame);
+}
+
+std::string shown_text;  // what keep_text got
+
+long keep_text(const char* data, std::size_t length) {
+    shown_text.append(data, length);
+    return static_cast<long>(length);
+}
+
+/// The least that any printer has to do for the record above: put its text, already made, into the buffer.
+void ethernet_tcp_floor(benchmark::State& state) {
+    std::array<std::uint8_t, 512> frame = tcp_segment();
+    record_header header{.timestamp_ms = 1000};
+    display_context context;
+    init_display_context(context);
+    context.channel_type = CHANNEL_LAN;
+    context.mode_flags = LAN_DEFAULT;
+    context.header = &header;
+    context.original_length = static_cast<std::uint32_t>(frame.size());
+    context.payload = octets_of(frame);
+    shown_text.clear();
+    set_output_writer(keep_text);
+    display_record(context);
+    flush_output();
+    set_output_writer(discard);
+    for ([[maybe_unused]] const auto _ : state) {
+        put(standard_output, shown_text);
+        flush_output();
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+BENCHMARK(ethernet_tcp);
+BENCHMARK(ethernet_tcp_floor);
 BENCHMARK(lapd_receive_ready);
 BENCHMARK(full_hex_dump);
 
