@@ -6,8 +6,8 @@
 namespace ifwatch::test {
 namespace {
 
-const std::string CASE = "channel 0\noptions -2\nrecord R 1000\n 00 01 7F\nrecord X 1200\n 00 01 73\n";
-const std::string EXPECTED =
+constexpr char CASE[] = "channel 0\noptions -2\nrecord R 1000\n 00 01 7F\nrecord X 1200\n 00 01 73\n";
+constexpr std::string_view EXPECTED =
     "000001.000 R #00000001 DATA[0003]   \n"
     "\tSAPI=00\tC/R=0\tTEI=00\tSABME P/F=1\n"
     "\n"
@@ -36,7 +36,7 @@ struct golden_folder {
 
 TEST(golden_runner, passes_a_case_that_holds) {
     const golden_folder folder(CASE);
-    folder.expect(EXPECTED);
+    folder.expect(std::string(EXPECTED));
     const outcome checked = folder.run_case();
     EXPECT_EQ(checked.status, 0) << checked.errors;
     EXPECT_EQ(checked.errors, "");
@@ -44,7 +44,7 @@ TEST(golden_runner, passes_a_case_that_holds) {
 
 TEST(golden_runner, shows_the_first_line_that_differs) {
     const golden_folder folder(CASE);
-    std::string wrong = EXPECTED;
+    std::string wrong(EXPECTED);
     wrong.replace(wrong.find("UA    P/F=1"), 11, "UA    P/F=0");
     folder.expect(wrong);
     const outcome checked = folder.run_case();
@@ -59,13 +59,13 @@ TEST(golden_runner, fails_on_every_difference) {
     const golden_folder folder(CASE);
     for (std::size_t i = 0; i < EXPECTED.size(); ++i) {
         if (EXPECTED[i] == ' ' || EXPECTED[i] == '\n') {
-            std::string wrong = EXPECTED;
+            std::string wrong(EXPECTED);
             wrong.erase(i, 1);
             folder.expect(wrong);
             EXPECT_EQ(folder.run_case().status, 1) << "without character " << i;
         }
     }
-    folder.expect(EXPECTED + "\n");
+    folder.expect(std::string(EXPECTED) + "\n");
     EXPECT_EQ(folder.run_case().status, 1);
     folder.expect("");
     EXPECT_EQ(folder.run_case().status, 1);
@@ -131,7 +131,7 @@ TEST(golden_runner, fails_when_the_tracer_does) {
 
 TEST(golden_runner, ends_a_tracer_that_does_not_end) {
     const golden_folder folder(CASE);
-    folder.expect(EXPECTED);
+    folder.expect(std::string(EXPECTED));
     const std::string hanging = folder.directory.write("hanging", "#!/bin/sh\nexec sleep 60\n");
     ASSERT_EQ(run({"chmod", {"+x", hanging}}).status, 0);
     const outcome checked = folder.run_case({"--timeout", "1", "--ifwatch", hanging});
@@ -142,7 +142,7 @@ TEST(golden_runner, ends_a_tracer_that_does_not_end) {
 TEST(golden_runner, goes_on_behind_a_case_that_fails) {
     const golden_folder good(CASE);
     const golden_folder bad(CASE);
-    good.expect(EXPECTED);
+    good.expect(std::string(EXPECTED));
     bad.expect("");
     const outcome checked = good.run_case({bad.path});
     EXPECT_EQ(checked.status, 1);
@@ -151,7 +151,7 @@ TEST(golden_runner, goes_on_behind_a_case_that_fails) {
 
 TEST(golden_runner, keeps_the_environment_out) {
     const golden_folder folder(CASE);
-    folder.expect(EXPECTED);
+    folder.expect(std::string(EXPECTED));
     const outcome checked = run({GOLDEN_RUNNER_PROGRAM, {folder.path}, {{"TRACE_PORT", "1"}, {"TRACE_PWD", "x"}}});
     EXPECT_EQ(checked.status, 0) << checked.errors;
 }

@@ -18,12 +18,12 @@ namespace {
 using clock = std::chrono::steady_clock;
 using octet_vector = std::vector<std::uint8_t>;
 
-const std::string THREE_FRAMES =
+constexpr char THREE_FRAMES[] =
     "channel 0\n"
     "record R 1000\n 00 01 7F\n"
     "record X 1200\n 00 01 73\n"
     "record R 1300\n 00 01 53 AA BB\n";
-const std::string LAN_LIST_ENTRY = "channel 6\ninterface 2000\n";
+constexpr char LAN_LIST_ENTRY[] = "channel 6\ninterface 2000\n";
 
 std::size_t count_of(const std::string& text, const std::string& part) {
     std::size_t count = 0;
@@ -362,6 +362,7 @@ TEST(simulator, serves_clients_at_the_same_time) {
     const auto start = clock::now();
     std::vector<std::thread> watchers;
     std::vector<std::size_t> counts(5);
+    watchers.reserve(counts.size());
     for (std::size_t& count : counts) {
         watchers.emplace_back([&sim, &count] { count = records_over_version_1(sim.port()).size(); });
     }

@@ -36,6 +36,7 @@ std::vector<std::string> environment_for(const command& what) {
 
 std::vector<char*> pointers_to(std::vector<std::string>& texts) {
     std::vector<char*> result;
+    result.reserve(texts.size() + 1);
     for (std::string& text : texts) {
         result.push_back(text.data());
     }

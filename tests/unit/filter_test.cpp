@@ -18,22 +18,22 @@ octet_vector octets_of_hex(const std::string& hex) {
     return holder.records.front().data;
 }
 
-const std::string MACS = "000102030405 0A0B0C0D0E0F ";  // destination, source
-const std::string LLC = "AAAA03 000000 0800 ";
+constexpr char MACS[] = "000102030405 0A0B0C0D0E0F ";  // destination, source
+constexpr char LLC[] = "AAAA03 000000 0800 ";
 
 std::string ip(const std::string& protocol, const std::string& ports, const std::string& offset = "0000") {
     return "4500 0028 0001" + offset + " 40" + protocol + " 0000 0101010A 01010114 " + ports;
 }
 
 // 1.1.1.10 -> 1.1.1.20
-const octet_vector TCP = octets_of_hex(MACS + "0800" + ip("06", "0402 0017"));  // 1026 -> 23
-const octet_vector UDP = octets_of_hex(MACS + "0800" + ip("11", "0035 0200"));  // 53 -> 512
-const octet_vector ICMP = octets_of_hex(MACS + "0800" + ip("01", "0800 0000"));
-const octet_vector FRAGMENT = octets_of_hex(MACS + "0800" + ip("06", "0402 0017", "0010"));
-const octet_vector TAGGED = octets_of_hex(MACS + "8100 0005 0800" + ip("06", "0402 0017"));
-const octet_vector SNAP = octets_of_hex(MACS + "0030" + LLC + ip("06", "0402 0017"));
-const octet_vector ARP = octets_of_hex(MACS + "0806 0001 0800 0604 0001");
-const octet_vector SPANNING_TREE = octets_of_hex(MACS + "0026 424203 0000");
+octet_vector tcp() { return octets_of_hex(std::string(MACS) + "0800" + ip("06", "0402 0017")); }  // 1026 -> 23
+octet_vector udp() { return octets_of_hex(std::string(MACS) + "0800" + ip("11", "0035 0200")); }  // 53 -> 512
+octet_vector icmp() { return octets_of_hex(std::string(MACS) + "0800" + ip("01", "0800 0000")); }
+octet_vector fragment() { return octets_of_hex(std::string(MACS) + "0800" + ip("06", "0402 0017", "0010")); }
+octet_vector tagged() { return octets_of_hex(std::string(MACS) + "8100 0005 0800" + ip("06", "0402 0017")); }
+octet_vector snap() { return octets_of_hex(std::string(MACS) + "0030" + LLC + ip("06", "0402 0017")); }
+octet_vector arp() { return octets_of_hex(std::string(MACS) + "0806 0001 0800 0604 0001"); }
+octet_vector spanning_tree() { return octets_of_hex(std::string(MACS) + "0026 424203 0000"); }
 
 frame_filter filter_of(const std::vector<filter_entry>& entries) {
     frame_filter filter;
@@ -49,90 +49,90 @@ bool shows(const std::vector<filter_entry>& entries, const octet_vector& frame, 
 }
 
 TEST(frame_filter, without_terms_shows_everything) {
-    EXPECT_TRUE(shows({}, TCP));
-    EXPECT_TRUE(shows({}, ARP));
+    EXPECT_TRUE(shows({}, tcp()));
+    EXPECT_TRUE(shows({}, arp()));
     EXPECT_TRUE(shows({}, {}));
 }
 
 TEST(frame_filter, one_way_sessions) {
-    EXPECT_TRUE(shows({{'I', "1.1.1.10"}}, TCP));
-    EXPECT_FALSE(shows({{'I', "1.1.1.20"}}, TCP));
-    EXPECT_TRUE(shows({{'I', ":1.1.1.20"}}, TCP));
-    EXPECT_FALSE(shows({{'I', ":1.1.1.10"}}, TCP));
-    EXPECT_TRUE(shows({{'I', "1.1.1.10:1.1.1.20"}}, TCP));
-    EXPECT_FALSE(shows({{'I', "1.1.1.20:1.1.1.10"}}, TCP));
-    EXPECT_TRUE(shows({{'I', "::6"}}, TCP));
-    EXPECT_FALSE(shows({{'I', "::6"}}, UDP));
-    EXPECT_TRUE(shows({{'I', "::17::512"}}, UDP));
-    EXPECT_FALSE(shows({{'I', "::17:512"}}, UDP));
-    EXPECT_TRUE(shows({{'I', "1.1.1.10::17::512"}}, UDP));
-    EXPECT_TRUE(shows({{'I', "::::23"}}, TCP)) << "ports of either protocol";
-    EXPECT_TRUE(shows({{'I', ""}}, ICMP)) << "any IP";
+    EXPECT_TRUE(shows({{'I', "1.1.1.10"}}, tcp()));
+    EXPECT_FALSE(shows({{'I', "1.1.1.20"}}, tcp()));
+    EXPECT_TRUE(shows({{'I', ":1.1.1.20"}}, tcp()));
+    EXPECT_FALSE(shows({{'I', ":1.1.1.10"}}, tcp()));
+    EXPECT_TRUE(shows({{'I', "1.1.1.10:1.1.1.20"}}, tcp()));
+    EXPECT_FALSE(shows({{'I', "1.1.1.20:1.1.1.10"}}, tcp()));
+    EXPECT_TRUE(shows({{'I', "::6"}}, tcp()));
+    EXPECT_FALSE(shows({{'I', "::6"}}, udp()));
+    EXPECT_TRUE(shows({{'I', "::17::512"}}, udp()));
+    EXPECT_FALSE(shows({{'I', "::17:512"}}, udp()));
+    EXPECT_TRUE(shows({{'I', "1.1.1.10::17::512"}}, udp()));
+    EXPECT_TRUE(shows({{'I', "::::23"}}, tcp())) << "ports of either protocol";
+    EXPECT_TRUE(shows({{'I', ""}}, icmp())) << "any IP";
 }
 
 TEST(frame_filter, two_way_sessions) {
-    EXPECT_TRUE(shows({{'B', "1.1.1.10"}}, TCP));
-    EXPECT_TRUE(shows({{'B', "1.1.1.20"}}, TCP));
-    EXPECT_FALSE(shows({{'B', "1.1.1.30"}}, TCP));
-    EXPECT_TRUE(shows({{'B', "1.1.1.20:1.1.1.10"}}, TCP));
-    EXPECT_TRUE(shows({{'B', "::6:1026:23"}}, TCP));
-    EXPECT_TRUE(shows({{'B', "::6:23:1026"}}, TCP));
-    EXPECT_TRUE(shows({{'B', "1.1.1.20:1.1.1.10:6:23:1026"}}, TCP));
-    EXPECT_FALSE(shows({{'B', "1.1.1.10:1.1.1.20:6:23:1026"}}, TCP)) << "addresses and ports turn together";
+    EXPECT_TRUE(shows({{'B', "1.1.1.10"}}, tcp()));
+    EXPECT_TRUE(shows({{'B', "1.1.1.20"}}, tcp()));
+    EXPECT_FALSE(shows({{'B', "1.1.1.30"}}, tcp()));
+    EXPECT_TRUE(shows({{'B', "1.1.1.20:1.1.1.10"}}, tcp()));
+    EXPECT_TRUE(shows({{'B', "::6:1026:23"}}, tcp()));
+    EXPECT_TRUE(shows({{'B', "::6:23:1026"}}, tcp()));
+    EXPECT_TRUE(shows({{'B', "1.1.1.20:1.1.1.10:6:23:1026"}}, tcp()));
+    EXPECT_FALSE(shows({{'B', "1.1.1.10:1.1.1.20:6:23:1026"}}, tcp())) << "addresses and ports turn together";
 }
 
 TEST(frame_filter, what_a_frame_does_not_have_does_not_fit) {
-    EXPECT_FALSE(shows({{'I', "::"}}, ARP));
-    EXPECT_FALSE(shows({{'I', "::6::23"}}, FRAGMENT)) << "only the first fragment has ports";
-    EXPECT_TRUE(shows({{'I', "::6"}}, FRAGMENT));
-    EXPECT_FALSE(shows({{'I', ":::0"}}, ICMP));
+    EXPECT_FALSE(shows({{'I', "::"}}, arp()));
+    EXPECT_FALSE(shows({{'I', "::6::23"}}, fragment())) << "only the first fragment has ports";
+    EXPECT_TRUE(shows({{'I', "::6"}}, fragment()));
+    EXPECT_FALSE(shows({{'I', ":::0"}}, icmp()));
     EXPECT_FALSE(shows({{'s', "0A0B0C0D0E0F"}}, {}));
 }
 
 TEST(frame_filter, negation) {
-    EXPECT_FALSE(shows({{'I', "!1.1.1.10"}}, TCP));
-    EXPECT_TRUE(shows({{'I', "!1.1.1.20"}}, TCP));
-    EXPECT_FALSE(shows({{'B', "!1.1.1.20"}}, TCP));
-    EXPECT_TRUE(shows({{'I', "!::50"}}, ARP)) << "frames without IP stay";
-    EXPECT_FALSE(shows({{'d', "!00:01:02:03:04:05"}}, ARP));
+    EXPECT_FALSE(shows({{'I', "!1.1.1.10"}}, tcp()));
+    EXPECT_TRUE(shows({{'I', "!1.1.1.20"}}, tcp()));
+    EXPECT_FALSE(shows({{'B', "!1.1.1.20"}}, tcp()));
+    EXPECT_TRUE(shows({{'I', "!::50"}}, arp())) << "frames without IP stay";
+    EXPECT_FALSE(shows({{'d', "!00:01:02:03:04:05"}}, arp()));
 }
 
 TEST(frame_filter, terms_are_joined_by_and_unless_or_stands_between) {
-    EXPECT_TRUE(shows({{'I', "::6"}, {'I', ":1.1.1.20"}}, TCP));
-    EXPECT_FALSE(shows({{'I', "::6"}, {'I', ":1.1.1.30"}}, TCP));
+    EXPECT_TRUE(shows({{'I', "::6"}, {'I', ":1.1.1.20"}}, tcp()));
+    EXPECT_FALSE(shows({{'I', "::6"}, {'I', ":1.1.1.30"}}, tcp()));
     const std::vector<filter_entry> tcp_or_udp = {{'I', "::6"}, {'o', ""}, {'I', "::17"}};
-    EXPECT_TRUE(shows(tcp_or_udp, TCP));
-    EXPECT_TRUE(shows(tcp_or_udp, UDP));
-    EXPECT_FALSE(shows(tcp_or_udp, ICMP));
+    EXPECT_TRUE(shows(tcp_or_udp, tcp()));
+    EXPECT_TRUE(shows(tcp_or_udp, udp()));
+    EXPECT_FALSE(shows(tcp_or_udp, icmp()));
     const std::vector<filter_entry> closer = {{'I', "::1"}, {'o', ""}, {'I', "::6"}, {'I', ":1.1.1.30"}};
-    EXPECT_TRUE(shows(closer, ICMP)) << "AND binds closer than OR";
-    EXPECT_FALSE(shows(closer, TCP));
+    EXPECT_TRUE(shows(closer, icmp())) << "AND binds closer than OR";
+    EXPECT_FALSE(shows(closer, tcp()));
 }
 
 TEST(frame_filter, a_joiner_without_a_side_joins_nothing) {
-    EXPECT_FALSE(shows({{'o', ""}, {'I', "::17"}, {'o', ""}}, TCP));
-    EXPECT_TRUE(shows({{'o', ""}}, TCP));
+    EXPECT_FALSE(shows({{'o', ""}, {'I', "::17"}, {'o', ""}}, tcp()));
+    EXPECT_TRUE(shows({{'o', ""}}, tcp()));
 }
 
 TEST(frame_filter, mac_addresses) {
     for (const char* text : {"0A0B0C0D0E0F", "0a:0b:0c:0d:0e:0f", "0A-0B-0C-0D-0E-0F", "0a0b.0c0d.0e0f"}) {
-        EXPECT_TRUE(shows({{'s', text}}, TCP)) << text;
-        EXPECT_FALSE(shows({{'d', text}}, TCP)) << text;
+        EXPECT_TRUE(shows({{'s', text}}, tcp())) << text;
+        EXPECT_FALSE(shows({{'d', text}}, tcp())) << text;
     }
-    EXPECT_TRUE(shows({{'d', "000102030405"}}, SPANNING_TREE));
+    EXPECT_TRUE(shows({{'d', "000102030405"}}, spanning_tree()));
 }
 
 TEST(frame_filter, llc_frames) {
-    EXPECT_TRUE(shows({{'l', ""}}, SPANNING_TREE));
-    EXPECT_TRUE(shows({{'l', ""}}, SNAP));
-    EXPECT_FALSE(shows({{'l', ""}}, TCP));
+    EXPECT_TRUE(shows({{'l', ""}}, spanning_tree()));
+    EXPECT_TRUE(shows({{'l', ""}}, snap()));
+    EXPECT_FALSE(shows({{'l', ""}}, tcp()));
 }
 
 TEST(frame_filter, finds_ip_in_every_framing) {
     const std::vector<filter_entry> telnet = {{'I', "1.1.1.10:1.1.1.20:6:1026:23"}};
-    EXPECT_TRUE(shows(telnet, TAGGED));
-    EXPECT_TRUE(shows(telnet, SNAP));
-    EXPECT_TRUE(shows(telnet, SNAP, CHANNEL_LAN_802_3));
+    EXPECT_TRUE(shows(telnet, tagged()));
+    EXPECT_TRUE(shows(telnet, snap()));
+    EXPECT_TRUE(shows(telnet, snap(), CHANNEL_LAN_802_3));
     const std::string ring = "1040 000102030405 0A0B0C0D0E0F ";
     const std::string routed = "1040 000102030405 8A0B0C0D0E0F 06A0 0011 0022 ";
     EXPECT_TRUE(shows(telnet, octets_of_hex(ring + LLC + ip("06", "0402 0017")), CHANNEL_TOKEN_RING));
@@ -142,8 +142,10 @@ TEST(frame_filter, finds_ip_in_every_framing) {
 
 TEST(frame_filter, frames_cut_short_are_read_as_far_as_they_go) {
     const std::string ring = "1040 000102030405 8A0B0C0D0E0F 1FA0 ";
-    const std::pair<int, octet_vector> frames[] = {
-        {CHANNEL_LAN, TAGGED}, {CHANNEL_LAN, SNAP}, {CHANNEL_TOKEN_RING, octets_of_hex(ring)}, {CHANNEL_TUNNEL, TCP}};
+    const std::pair<int, octet_vector> frames[] = {{CHANNEL_LAN, tagged()},
+                                                   {CHANNEL_LAN, snap()},
+                                                   {CHANNEL_TOKEN_RING, octets_of_hex(ring)},
+                                                   {CHANNEL_TUNNEL, tcp()}};
     for (const auto& [channel_type, whole] : frames) {
         for (std::size_t n = 0; n < whole.size(); ++n) {
             const octet_vector part(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(n));
@@ -153,7 +155,7 @@ TEST(frame_filter, frames_cut_short_are_read_as_far_as_they_go) {
 }
 
 TEST(frame_filter, an_ip_header_longer_than_the_datagram_has_no_ports) {
-    octet_vector frame = TCP;
+    octet_vector frame = tcp();
     frame[14] = 0x4F;
     EXPECT_FALSE(shows({{'I', "::6::23"}}, frame));
     EXPECT_TRUE(shows({{'I', "::6"}}, frame));
