@@ -19,6 +19,7 @@ constexpr std::uint8_t ESCAPE = 0x7D;
 constexpr std::uint32_t ESCAPE_BIT = 0x20;  // of the octet behind an escape
 constexpr int FCS_LENGTH = 2;
 constexpr int SHORTEST_FRAME = 4;  // FCS included
+constexpr int RECORD_PREFIX = 4;   // octets in front of a slice in the reserved mode, before one or two more
 constexpr int HEX_OCTETS = 38;     // shown of a frame, unless the whole of it was asked for
 
 constexpr named_value ERROR_TEXTS[] = {
@@ -98,8 +99,7 @@ bool take_flag(async_scanner& scanner) {
 
 /// A record of the reserved mode carries 5 or 6 octets of its own in front of the slice.
 octets skip_record_prefix(octets payload) {
-    constexpr int PREFIX = 4;
-    return payload.skip((payload[PREFIX] & 0x80) == 0 ? PREFIX + 2 : PREFIX + 1);
+    return payload.skip((payload[RECORD_PREFIX] & 0x80) == 0 ? RECORD_PREFIX + 2 : RECORD_PREFIX + 1);
 }
 
 /// Announces and decodes a completed frame. It is decoded from a copy, since what it carries may be reassembled in the
@@ -138,7 +138,7 @@ bool async_next_frame(async_scanner& scanner) {
 
 void dump_data_packet(octets payload, std::uint32_t record_flags, display_context& context, frame_decoder decode) {
     if ((context.mode_flags & MODE_RESERVED) != 0) {
-        if (payload.length < 5) {
+        if (payload.length <= RECORD_PREFIX) {
             return;
         }
         payload = skip_record_prefix(payload);

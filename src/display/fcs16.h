@@ -21,12 +21,12 @@ inline constexpr std::size_t FCS16_STRIDE = 8;
 
 /// Table k carries an octet over k further octets of zeros, so that FCS16_STRIDE octets are taken in at once.
 consteval std::array<fcs16_table, FCS16_STRIDE> make_fcs16_tables() {
-    constexpr std::uint16_t POLYNOMIAL = 0x8408;
+    constexpr std::uint16_t polynomial = 0x8408;
     std::array<fcs16_table, FCS16_STRIDE> tables{};
     for (std::uint16_t octet = 0; octet < 256; ++octet) {
         std::uint16_t value = octet;
         for (int bit = 0; bit < 8; ++bit) {
-            value = static_cast<std::uint16_t>((value & 1) != 0 ? (value >> 1) ^ POLYNOMIAL : value >> 1);
+            value = static_cast<std::uint16_t>((value & 1) != 0 ? (value >> 1) ^ polynomial : value >> 1);
         }
         tables[0][octet] = value;
     }

@@ -10,7 +10,7 @@ namespace ifwatch {
 
 namespace {
 
-using error_text = text_buffer<64>;
+constexpr int PARAMETER_HEADER = 2;  // PI and PL
 
 constexpr table_text DIRECTIONS[] = {
     "Neither direction",
@@ -19,58 +19,66 @@ constexpr table_text DIRECTIONS[] = {
     "Both directions",
 };
 
-// Each parameter printer returns whether the walk goes on.
+/// Whether the walk goes on behind a parameter, and if not, the error that ended it, when there is one.
+struct verdict {
+    bool ended = false;
+    table_text error;
+    std::uint32_t value = 0;  // that the error names
+};
 
-bool dump_identifier(octets value, error_text& /*error*/) {
-    if (value.length != 3) {
-        return false;
-    }
-    if (value.text(0, 3) == "V42") {
-        print<"V.42bis private parameter negotiation (ITU)\n">();
-        return true;
-    }
-    if (value.text(0, 3) == "X75") {
-        print<"V.42bis private parameter negotiation (ISO)\n">();
-        return true;
-    }
-    return false;
+constexpr verdict GO_ON{};
+constexpr verdict STOP{.ended = true, .error = nullptr};
+
+constexpr verdict illegal(table_text error, std::uint32_t value = 0) {
+    return {.ended = true, .error = error, .value = value};
 }
 
-bool dump_direction(octets value, error_text& error) {
+verdict dump_identifier(octets value) {
+    if (value.length == 3 && value.text(0, 3) == "V42") {
+        print<"V.42bis private parameter negotiation (ITU)\n">();
+        return GO_ON;
+    }
+    if (value.length == 3 && value.text(0, 3) == "X75") {
+        print<"V.42bis private parameter negotiation (ISO)\n">();
+        return GO_ON;
+    }
+    return STOP;
+}
+
+verdict dump_direction(octets value) {
     print<"\t\tCompression request (P0):   ">();
     if (value.length == 0) {
         print<"Default (neither direction)\n">();
-        return true;
+        return GO_ON;
     }
     if (value.length != 1) {
-        return false;
+        return STOP;
     }
     const table_text name = name_at(DIRECTIONS, value[0]);
     if (!name) {
-        print_to<"Unknown direction %X\n">(error, value[0]);
-        return false;
+        return illegal("Unknown direction %X\n", value[0]);
     }
     print<"%s\n">(name);
-    return true;
+    return GO_ON;
 }
 
-bool dump_codewords(octets value, error_text& /*error*/) {
+verdict dump_codewords(octets value) {
     print<"\t\tNumber of codewords (P1):   ">();
     if (value.length == 0) {
         print<"default\n">();
-        return true;
+        return GO_ON;
     }
     std::uint32_t codewords = 0;
     for (const std::uint8_t octet : value.run(0, value.length)) {
         codewords = codewords << 8 | octet;
     }
     print<"%5ld = 0x%lX\n">(codewords, codewords);
-    return true;
+    return GO_ON;
 }
 
-bool dump_string_length(octets value, error_text& /*error*/) {
+verdict dump_string_length(octets value) {
     if (value.length > 1) {
-        return false;
+        return STOP;
     }
     print<"\t\tMaximum string length (P2): ">();
     if (value.length == 0) {
@@ -78,43 +86,43 @@ bool dump_string_length(octets value, error_text& /*error*/) {
     } else {
         print<"%5d = 0x%X\n">(value[0], value[0]);
     }
-    return true;
+    return GO_ON;
 }
 
 // By parameter identifier.
-constexpr bool (*PARAMETERS[])(octets value, error_text& error) = {
+constexpr verdict (*PARAMETERS[])(octets value) = {
     dump_identifier,
     dump_direction,
     dump_codewords,
     dump_string_length,
 };
 
-bool dump_parameter(int identifier, octets value, error_text& error) {
-    if (identifier >= static_cast<int>(std::size(PARAMETERS))) {
-        put(error, "unknown parameter identification");
-        return false;
+/// Prints the parameter at the beginning of `rest`.
+verdict dump_parameter(octets rest) {
+    const std::size_t identifier = rest[0];
+    const octets value = rest.at(PARAMETER_HEADER, rest[1]);
+    if (PARAMETER_HEADER + value.length > rest.length) {
+        return illegal("Parameter subfield too long");
     }
-    return PARAMETERS[identifier](value, error);
+    if (identifier >= std::size(PARAMETERS)) {
+        return illegal("unknown parameter identification");
+    }
+    return PARAMETERS[identifier](value);
 }
 
 }  // namespace
 
 int dump_v42bis_parameters(octets group) {
-    constexpr int PARAMETER_HEADER = 2;
-    error_text error;
     octets rest = group;
-    bool more = true;
-    while (more && rest.length >= PARAMETER_HEADER && rest.held() > 0) {
-        const octets value = rest.at(PARAMETER_HEADER, rest[1]);
-        if (PARAMETER_HEADER + value.length > rest.length) {
-            put(error, "Parameter subfield too long");
-            break;
-        }
-        more = dump_parameter(rest[0], value, error);
-        rest = rest.skip(PARAMETER_HEADER + value.length);
+    verdict last;
+    while (!last.ended && rest.length >= PARAMETER_HEADER && rest.held() > 0) {
+        last = dump_parameter(rest);
+        rest = rest.skip(PARAMETER_HEADER + rest[1]);
     }
-    if (error.used != 0) {
-        print<"\nIllegal V.42bis XID: %s\n">(error.text());
+    if (last.error) {
+        print<"\nIllegal V.42bis XID: ">();
+        print_named(last.error, last.value);
+        print<"\n">();
     }
     return group.length;
 }

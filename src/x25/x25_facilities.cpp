@@ -20,9 +20,9 @@ constexpr table_text THROUGHPUT_CLASSES[] = {
 
 /// One facility: `key` is the category marker in force and the code, `parameters` are declared with their own length.
 struct facility {
-    int key;
+    int key = 0;
     octets parameters;
-    int size;  // of code, length octet and parameters
+    int size = 0;  // of code, length octet and parameters
 };
 
 void print_charging_and_fast_select(octets parameters) {
@@ -112,9 +112,9 @@ void print_transit_delays(octets parameters) {
 }
 
 struct facility_kind {
-    int key;
+    int key = 0;
     table_text label;  // absent where the parameters decide about the line
-    void (*print_parameters)(octets parameters);
+    void (*print_parameters)(octets parameters) = nullptr;
 };
 
 constexpr facility_kind FACILITIES[] = {

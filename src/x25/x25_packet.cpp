@@ -59,6 +59,7 @@ int dump_flow_control(octets packet, const packet_header& header, table_text nam
 
 using field_printer = int (*)(octets field, int a_bit);
 
+int addresses(octets field, int a_bit) { return dump_x25_addresses(field, a_bit); }
 int facilities(octets field, int /*a_bit*/) { return dump_x25_facilities(field); }
 int user_data(octets field, int /*a_bit*/) { return dump_x25_user_data(field); }
 int clearing_cause(octets field, int /*a_bit*/) { return dump_x25_cause(field, X25_CLEARING_CAUSES); }
@@ -68,7 +69,6 @@ int registration_cause(octets field, int /*a_bit*/) { return dump_x25_cause(fiel
 int diagnostic(octets field, int /*a_bit*/) { return dump_x25_diagnostic(field); }
 int explanation(octets field, int /*a_bit*/) { return dump_x25_diag_explanation(field); }
 int registration(octets field, int /*a_bit*/) { return dump_x25_registration(field); }
-constexpr field_printer addresses = dump_x25_addresses;
 
 /// What a packet counts as its header.
 enum class extent {
@@ -80,11 +80,11 @@ enum class extent {
 constexpr std::size_t FIELDS_MAX = 5;
 
 struct packet_kind {
-    int type;
+    int type = 0;
     table_text name;
-    char bit7_name;
-    extent counted;
-    std::array<field_printer, FIELDS_MAX> fields;
+    char bit7_name = 'A';
+    extent counted = extent::PACKET;
+    std::array<field_printer, FIELDS_MAX> fields{};
 };
 
 constexpr packet_kind PACKETS[] = {

@@ -15,6 +15,8 @@ namespace {
 
 constexpr int FORMAT_LLC = 0x81;
 constexpr int FORMAT_GENERAL = 0x82;
+constexpr int GROUP_HEADER = 3;      // GI and GL
+constexpr int PARAMETER_HEADER = 2;  // PI and PL
 
 constexpr named_value LLC_CLASSES[] = {
     {1, "\t  Class I LLC/Type 1 LLC\n"},
@@ -96,9 +98,9 @@ bool print_user_data(octets /*group*/, int identifier, octets value) {
 }
 
 struct group_kind {
-    int identifier;
+    int identifier = 0;
     table_text name;
-    bool (*print_line)(octets group, int identifier, octets value);
+    bool (*print_line)(octets group, int identifier, octets value) = nullptr;
     table_text error;
 };
 
@@ -112,7 +114,6 @@ constexpr group_kind GROUPS[] = {
 
 /// A parameter without a value at the end of its group is not shown.
 void dump_group(octets group, const group_kind& kind) {
-    constexpr int PARAMETER_HEADER = 2;
     octets rest = group;
     while (rest.length > PARAMETER_HEADER && rest.held() > 0) {
         const int identifier = rest[0];
@@ -132,7 +133,6 @@ void dump_group(octets group, const group_kind& kind) {
 
 /// Walks the groups and returns the text of the error that ended the walk, empty when none did.
 std::string_view dump_groups(octets rest) {
-    constexpr int GROUP_HEADER = 3;
     while (rest.length >= GROUP_HEADER && rest.held() > 0) {
         const int identifier = rest[0];
         const octets group = rest.at(GROUP_HEADER, rest.be16(1));

@@ -81,30 +81,31 @@ TEST(async_next_frame, a_slice_may_end_anywhere) {
     }
 }
 
+/// What a stream that is thrown away whole leaves behind.
+struct thrown_away {
+    framing_error error = framing_error::NONE;
+    int count = 0;
+
+    bool operator==(const thrown_away&) const = default;
+};
+
+thrown_away throw_away(bytes stream) {
+    async_state state;
+    async_scanner scanner{.rest = octets_of(stream), .state = state};
+    EXPECT_FALSE(async_next_frame(scanner));
+    EXPECT_EQ(scanner.rest.length, 0);
+    EXPECT_EQ(state.count, 0);
+    EXPECT_EQ(state.fcs, FCS16_START);
+    EXPECT_EQ(state.escape, 0U);
+    return {scanner.error, scanner.error_count};
+}
+
 TEST(async_next_frame, errors_tell_what_was_stored) {
-    const struct {
-        bytes stream;
-        framing_error error;
-        int count;
-    } cases[] = {
-        {{0x7E, 0x41, 0x7E}, framing_error::TOO_SMALL, 1},
-        {{0x41, 0x42, 0x43, 0x7E}, framing_error::TOO_SMALL, 3},
-        {{0x41, 0x42, 0x43, 0x44, 0x7E}, framing_error::FCS, 4},
-        {{0x41, 0x7D, 0x7E}, framing_error::ABORT, 1},
-        {bytes(1601, 0x41), framing_error::TOO_LONG, 1600},
-    };
-    for (const auto& one : cases) {
-        auto stream = one.stream;
-        async_state state;
-        async_scanner scanner{.rest = octets_of(stream), .state = state};
-        EXPECT_FALSE(async_next_frame(scanner));
-        EXPECT_EQ(scanner.error, one.error);
-        EXPECT_EQ(scanner.error_count, one.count);
-        EXPECT_EQ(scanner.rest.length, 0);
-        EXPECT_EQ(state.count, 0);
-        EXPECT_EQ(state.fcs, FCS16_START);
-        EXPECT_EQ(state.escape, 0U);
-    }
+    EXPECT_EQ(throw_away({0x7E, 0x41, 0x7E}), (thrown_away{framing_error::TOO_SMALL, 1}));
+    EXPECT_EQ(throw_away({0x41, 0x42, 0x43, 0x7E}), (thrown_away{framing_error::TOO_SMALL, 3}));
+    EXPECT_EQ(throw_away({0x41, 0x42, 0x43, 0x44, 0x7E}), (thrown_away{framing_error::FCS, 4}));
+    EXPECT_EQ(throw_away({0x41, 0x7D, 0x7E}), (thrown_away{framing_error::ABORT, 1}));
+    EXPECT_EQ(throw_away(bytes(1601, 0x41)), (thrown_away{framing_error::TOO_LONG, 1600}));
 }
 
 TEST(async_next_frame, ends_where_the_octets_end_though_more_are_declared) {
@@ -119,15 +120,20 @@ struct shown_frame {
     bytes data;
     int held = 0;
 };
-std::vector<shown_frame> shown;
+
+/// The frames that keep_frame was given.
+std::vector<shown_frame>& kept_frames() {
+    static std::vector<shown_frame> kept;
+    return kept;
+}
 
 void keep_frame(octets frame, std::uint32_t /*record_flags*/, display_context& /*context*/) {
-    shown.push_back({content(frame), frame.held()});
+    kept_frames().push_back({content(frame), frame.held()});
 }
 
 std::string packet_output(bytes slice, display_context& context, std::uint32_t record_flags = 1) {
     captured_output output;
-    shown.clear();
+    kept_frames().clear();
     dump_data_packet(octets_of(slice), record_flags, context, keep_frame);
     return output.take();
 }
@@ -135,6 +141,7 @@ std::string packet_output(bytes slice, display_context& context, std::uint32_t r
 TEST(dump_data_packet, a_frame_ends_before_its_check_sequence) {
     display_context context;
     EXPECT_EQ(packet_output(framed({1, 2, 3}), context), "             DATA PACKET   [0003]\n\n");
+    const auto shown = kept_frames();
     ASSERT_EQ(shown.size(), 1U);
     EXPECT_EQ(shown[0].data, (bytes{1, 2, 3}));
     EXPECT_EQ(shown[0].held, 3);
@@ -151,9 +158,10 @@ void reassemble_within(octets frame, std::uint32_t record_flags, display_context
 TEST(dump_data_packet, a_frame_stays_whole_while_its_contents_are_reassembled) {
     display_context context;
     captured_output output;
-    shown.clear();
+    kept_frames().clear();
     auto outer = framed({1, 2, 3, 4});
     dump_data_packet(octets_of(outer), 1, context, reassemble_within);
+    const auto shown = kept_frames();
     ASSERT_EQ(shown.size(), 3U);
     EXPECT_EQ(shown[0].data, (bytes{1, 2, 3, 4}));
     EXPECT_EQ(shown[1].data, bytes(8, 9));

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
-#include <array>
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -38,6 +38,9 @@ TEST(lapb, numbered_frames_are_an_octet_longer_in_modulo_128) {
         EXPECT_EQ(lapb_length({0x01, control, 0x00, 0x00}, 0), 2);
         EXPECT_EQ(lapb_length({0x01, control, 0x00, 0x00}, 1), 3);
     }
+}
+
+TEST(lapb, other_frames_are_two_octets_long) {
     for (const std::uint8_t control : std::to_array<std::uint8_t>({0x03, 0x13, 0x0F, 0x2F, 0x43, 0x63, 0x6F, 0xFF})) {
         EXPECT_EQ(lapb_length({0x01, control, 0x00, 0x00}, 0), 2);
         EXPECT_EQ(lapb_length({0x01, control, 0x00, 0x00}, 1), 2);
