@@ -187,6 +187,12 @@ Usage: ifwatch-sim [OPTIONS] CASE...
 
 Each case file holds one interface: its channel type, its index (an "interface" line; 1000 when there is only one
 case) and the records that cross it.
+  # A comment.
+  channel 0                       channel type: 0 ISDN D-channel, 1 ISDN B-channel, 3 ATM, 6 LAN, 131 tunnel ...
+  interface 1000                  its index: 1000 * slot + 100 * unit + channel
+  record R 1000                   R received or X sent by the router, time stamp in ms
+    02 01 7F "text" 00*16         indented: the octets
+  record X 1250 sequence=7 flags=0x81 info=0x00002300 original=64
 
 Serving:
   --listen ADDR       address to listen on (127.0.0.1)
@@ -212,7 +218,7 @@ Other daemons:
   --close-after STEP  close behind a step of the session: connect, request, version, challenge, login, addinfo,
                       chantype or reply
 
-Faults:
+Faults, one at a time:
   --fault cut=N       cut the connection in the middle of record N
   --fault drip        send every octet on its own
   --fault silence=N   send N records, then nothing, and keep the connection
