@@ -1,39 +1,20 @@
 // Writes the golden cases and samples as inputs for record_fuzz: make_seeds DIRECTORY CASE...
 // One seed for each options line of a case, in the form that record_fuzz reads.
 
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "client/options.h"
 #include "sim/case_file.h"
+#include "support/case_options.h"
 #include "trace/element.h"
 
 namespace {
 
 using namespace ifwatch;
-
-/// The mode flags that these options give.
-std::uint32_t mode_flags_of(const std::string& text) {
-    std::istringstream stream("ifwatch " + text + " router 1000");
-    std::vector<std::string> words;
-    for (std::string word; stream >> word;) {
-        words.push_back(word);
-    }
-    std::vector<char*> arguments;
-    for (std::string& word : words) {
-        arguments.push_back(word.data());
-    }
-    arguments.push_back(nullptr);
-    options settings;
-    parse_options(static_cast<int>(words.size()), arguments.data(), settings);
-    return settings.mode_flags;
-}
 
 void append(std::string& seed, std::uint32_t value, int octets) {
     for (int i = octets - 1; i >= 0; --i) {
@@ -65,7 +46,7 @@ bool write_seeds(const std::filesystem::path& directory, const std::filesystem::
     const std::string name = path.parent_path().filename().string() + "-" + path.stem().string();
     for (std::size_t i = 0; i < trace.options.size(); ++i) {
         std::ofstream(directory / (name + "-" + std::to_string(i)), std::ios::binary)
-            << seed_of(trace, mode_flags_of(trace.options[i]));
+            << seed_of(trace, test::mode_flags_of(trace.options[i]));
     }
     return true;
 }
