@@ -69,7 +69,7 @@ void reassemble(benchmark::State& bench) {
     const auto length = static_cast<std::size_t>(bench.range(0));
     auto stream = make_stream(length, static_cast<std::uint8_t>(bench.range(1)));
     const auto state = std::make_unique<async_state>();
-    for (auto _ : bench) {
+    for ([[maybe_unused]] const auto _ : bench) {
         std::size_t frames = 0;
         for (std::size_t offset = 0; offset < stream.size(); offset += SLICE) {
             async_scanner scanner{.rest = slice_of(stream, offset), .state = *state};
@@ -92,7 +92,7 @@ void reassemble_and_announce(benchmark::State& bench) {
     set_output_writer([](const char*, std::size_t count) { return static_cast<long>(count); });
     const auto context = std::make_unique<display_context>();
     context->mode_flags = MODE_ASYNC_HDLC;
-    for (auto _ : bench) {
+    for ([[maybe_unused]] const auto _ : bench) {
         for (std::size_t offset = 0; offset < stream.size(); offset += SLICE) {
             dump_data_packet(slice_of(stream, offset), 1, *context);
         }
