@@ -26,8 +26,6 @@ using namespace ifwatch;
 
 constexpr std::size_t TRACE_HEADER = 5;
 constexpr std::size_t RECORD_HEADER = 5;
-constexpr std::size_t OUTPUT_PER_OCTET = 512;
-constexpr std::size_t OUTPUT_PER_RECORD = 4096;
 
 std::size_t printed = 0;  // NOLINT(*-avoid-non-const-global-variables): the writer below has no other place for it
 
@@ -50,10 +48,11 @@ std::span<const std::uint8_t> show_record(std::span<const std::uint8_t> input, r
     context.header = &header;
     context.payload = octets_of({data.get(), length});
     context.original_length = static_cast<std::uint32_t>(length) + input[2];
+    const std::size_t bound = record_output_bound(context);
     printed = 0;
     display_record(context);
     flush_output();
-    if (printed > OUTPUT_PER_OCTET * length + OUTPUT_PER_RECORD) {
+    if (printed > bound) {
         std::abort();
     }
     return input.subspan(RECORD_HEADER + length);

@@ -21,8 +21,6 @@ namespace {
 
 using namespace ifwatch;
 
-constexpr std::size_t OUTPUT_PER_OCTET = 512;
-constexpr std::size_t OUTPUT_PER_RECORD = 4096;
 constexpr std::array<std::uint8_t, 4> PLANTED = {0x00, 0x7F, 0x80, 0xFF};
 constexpr int MAXIMUM_CAPTURED = 8192;
 
@@ -44,11 +42,12 @@ bool show(display_context& context, const sim::case_record& record, std::span<co
     context.header = &header;
     context.payload = octets_of({exact.get(), captured.size()});
     context.original_length = captured.empty() ? 0 : record.original_length;
+    const std::size_t bound = record_output_bound(context);
     printed = 0;
     display_record(context);
     flush_output();
     context.header = nullptr;
-    return printed <= OUTPUT_PER_OCTET * captured.size() + OUTPUT_PER_RECORD;
+    return printed <= bound;
 }
 
 /// One record in all its damaged forms. Returns how many were shown; 0 when one printed out of proportion.
