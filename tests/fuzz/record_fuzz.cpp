@@ -2,7 +2,7 @@
 // output in proportion. The input is a whole trace:
 //
 //     octets 0-3   mode flags, little-endian
-//     octet  4     channel type
+//     octet  4     channel type; 0xFE is -2, the PABX
 //     then for each record
 //     octet  0     record flags
 //     octet  1     event code
@@ -71,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     display_context context;
     init_display_context(context);
     context.mode_flags = load_le32(input.data());
-    context.channel_type = static_cast<std::int8_t>(input[4]);
+    context.channel_type = input[4] == 0xFE ? -2 : input[4];
     apply_default_flags(context);
     record_header header;
     for (input = input.subspan(TRACE_HEADER); input.size() >= RECORD_HEADER;) {
