@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 
 namespace ifwatch {
 
@@ -94,6 +95,17 @@ void write_report(std::string_view text) {
             return;
         }
     }
+}
+
+bool drain_report(text_sink& sink) {
+    write_report(sink.text());
+    sink.used = 0;
+    return true;
+}
+
+int report_output_failure() {
+    report<"ERROR write (%s)\n">(std::strerror(first_error));
+    return 1;
 }
 
 }  // namespace ifwatch

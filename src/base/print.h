@@ -39,12 +39,19 @@ inline void print_named(table_text text, std::uint32_t value) { print_named_to(s
 /// on one terminal keep their order.
 void write_report(std::string_view text);
 
-/// Prints to the error stream at once: errors, reports and progress. A text of more than 4096 characters is cut.
+/// Empties a full buffer into the error stream.
+bool drain_report(text_sink& sink);
+
+/// Prints to the error stream at once, in one write unless it is longer than the buffer: errors, reports and progress.
 template <format_text Format, class... Arguments>
 void report(const Arguments&... arguments) {
     text_buffer<4096> text;
+    text.drain = drain_report;
     print_to<Format>(text, arguments...);
     write_report(text.text());
 }
+
+/// Tells that the standard output failed. Returns 1, the exit status of a run that this ends.
+int report_output_failure();
 
 }  // namespace ifwatch

@@ -1,7 +1,10 @@
 #include "client/run.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <span>
 
 #include "base/print.h"
@@ -19,6 +22,18 @@
 namespace ifwatch {
 
 namespace {
+
+/// A standard stream that was closed when the program started is taken by /dev/null: otherwise the connection or the
+/// sink would become that stream. It is opened the wrong way round, so that output to it fails and is not lost unseen.
+bool occupy_standard_streams() {
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY) != fd) {
+            report<"ERROR cannot open %s (%s)\n">("/dev/null", std::strerror(errno));
+            return false;
+        }
+    }
+    return true;
+}
 
 session_settings session_of(const options& settings) {
     return {.host = settings.host,
@@ -72,6 +87,9 @@ int trace(options& settings) {
 }  // namespace
 
 int run(int argc, char** argv) {
+    if (!occupy_standard_streams()) {
+        return 1;
+    }
     if (argc > 0) {
         set_program_name(argv[0]);
         argv[0] = program_name_argument();  // messages about options, too, begin with the name

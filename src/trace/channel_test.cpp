@@ -58,7 +58,6 @@ void scan_unit(channel_probe& test, int slot, int unit) {
         }
     }
     print<"%5d%5d%5d  -  %d\n">(highest_channel, unit, slot, test.channel_type);
-    flush_output();
 }
 
 }  // namespace
@@ -71,15 +70,16 @@ int channel_test(const session_settings& settings, trace_target& target) {
     close(socket_fd);
     print<"Testing available trace channels:\n">();
     print<"ChMax Unit Slot ChType\n">();
-    flush_output();
     channel_probe test{.settings = settings, .request = target, .found = target};
-    for (int slot = 0; slot <= LAST_SLOT; ++slot) {
+    bool writable = flush_output();
+    for (int slot = 0; writable && slot <= LAST_SLOT; ++slot) {
         const int last_unit = probe_channel(test, slot, COMMON_UNIT, 0) ? 0 : 1;
         for (int unit = 0; unit <= last_unit; ++unit) {
             scan_unit(test, slot, unit);
+            writable = flush_output();
         }
     }
-    return 0;
+    return writable ? 0 : report_output_failure();
 }
 
 }  // namespace ifwatch

@@ -1,6 +1,5 @@
 #include "trace/record_buffer.h"
 
-#include <cstring>
 #include <new>
 
 #include "base/print.h"
@@ -26,11 +25,6 @@ void fill_slot(record_buffer& buffer, std::span<const std::uint8_t, PROTO_LENGTH
     context.header = &buffer.header;
     context.original_length = captured_length != 0 ? original_length : 0;
     context.payload = octets_of({buffer.data.get(), static_cast<std::size_t>(captured_length)});
-}
-
-int report_output_failure() {
-    report<"ERROR write (%s)\n">(std::strerror(output_error()));
-    return 1;
 }
 
 }  // namespace ifwatch

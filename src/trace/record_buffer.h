@@ -24,7 +24,4 @@ bool allocate(record_buffer& buffer);
 void fill_slot(record_buffer& buffer, std::span<const std::uint8_t, PROTO_LENGTH> protocol_part,
                std::uint32_t original_length, int captured_length, display_context& context);
 
-/// Tells that the standard output failed; returns the exit status for it.
-int report_output_failure();
-
 }  // namespace ifwatch

@@ -1,10 +1,6 @@
 #include "trace/record_stream.h"
 
 #include <array>
-#include <cerrno>
-#include <cstring>
-#include <memory>
-#include <new>
 
 #include "base/print.h"
 #include "base/verbose.h"
@@ -51,7 +47,7 @@ int receive_records(int socket_fd, const stream_settings& settings, display_cont
     if (has_sink && !settings.print) {
         report<"Packets captured: %8d">(0);
     }
-    bool writable = true;
+    bool writable = flush_output();  // the session may have printed, too
     while (writable && receive_record(socket_fd, buffer, context)) {
         if (verbose_level > 2) {
             report<"Pkt: len %lu, sequ: %lu\n">(context.payload.length, context.header->sequence);

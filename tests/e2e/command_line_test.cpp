@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <future>
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@
 namespace ifwatch::test {
 namespace {
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -139,13 +141,40 @@ TEST(run, decodes_to_the_terminal_and_ends_with_status_0) {
                               "\nIfc:1000 (Chan:0 Unit:0 Slot:1) Type: 6 (LAN)\n \ntrc hdr too short! = 0<22\n");
 }
 
-TEST(run, a_terminal_that_is_gone_ends_it_with_status_1) {
+/// A run whose standard output is a full device.
+outcome ifwatch_to_full_device(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"-c", R"(exec "$0" "$@" > /dev/full)", IFWATCH_PROGRAM});
+    return run({.program = "sh", .arguments = std::move(arguments)});
+}
+
+TEST(full_output, ends_a_trace_with_status_1) {
     const scripted_daemon daemon(serving(2));
-    const outcome got = run({.program = "sh",
-                             .arguments = {"-c", R"(exec "$0" "$@" > /dev/full)", IFWATCH_PROGRAM, "-V1",
-                                           daemon.port_option(), "127.0.0.1", "1000"}});
+    const outcome got = ifwatch_to_full_device({"-V1", daemon.port_option(), "127.0.0.1", "1000"});
     EXPECT_EQ(got.status, 1);
     EXPECT_THAT(got.errors, HasSubstr("\nERROR write (No space left on device)\n"));
+}
+
+TEST(full_output, is_noticed_when_only_the_session_prints) {
+    const scripted_daemon daemon([](const tcp_peer& client) {
+        client.receive(TRACE_REQUEST_OCTETS);
+        client.send_element(11, {0, 0, 0x03, 0xE8, 0, 6, 0, 0});
+        client.send_element(0);
+    });
+    const outcome got = ifwatch_to_full_device({"-V2", "-vvv", daemon.port_option(), "127.0.0.1", "1000"});
+    EXPECT_EQ(got.status, 1);
+    EXPECT_THAT(got.errors, EndsWith(" (LAN)\n \nERROR write (No space left on device)\n"));
+}
+
+TEST(full_output, ends_the_channel_test) {
+    std::atomic<int> connections = 0;
+    const scripted_daemon daemon([&connections](const tcp_peer& client) {
+        ++connections;
+        client.receive(TRACE_REQUEST_OCTETS);
+    });
+    const outcome got = ifwatch_to_full_device({"-V1", daemon.port_option(), "127.0.0.1"});
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, "ERROR write (No space left on device)\n");
+    EXPECT_LE(connections, 1) << "no channel is probed";
 }
 
 }  // namespace

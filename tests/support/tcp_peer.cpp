@@ -56,6 +56,16 @@ void tcp_peer::send_element(std::uint8_t type, std::string_view text) const {
     send_element_to(*this, type, {text.begin(), text.end()});
 }
 
+void tcp_peer::end_sending() const { shutdown(socket_, SHUT_WR); }
+
+void tcp_peer::reset() const {
+    sockaddr nobody{};
+    nobody.sa_family = AF_UNSPEC;
+    if (connect(socket_, &nobody, sizeof nobody) != 0) {
+        throw std::runtime_error("cannot reset the connection");
+    }
+}
+
 std::vector<std::uint8_t> tcp_peer::receive(std::size_t n) const {
     std::vector<std::uint8_t> result(n);
     std::size_t got = 0;

@@ -22,6 +22,12 @@ public:
     void send_element(std::uint8_t type, std::initializer_list<int> data = {}) const;
     void send_element(std::uint8_t type, std::string_view text) const;
 
+    /// Ends our stream; the peer may still send.
+    void end_sending() const;
+
+    /// Breaks the connection off: the peer's next read or write fails. What it has not read yet stays readable.
+    void reset() const;
+
     // NOLINTBEGIN(modernize-use-nodiscard): octets that mean nothing to a test are only read away
     /// The next `n` octets; fewer when the peer closes before.
     std::vector<std::uint8_t> receive(std::size_t n) const;

@@ -154,6 +154,13 @@ TEST(print, a_bound_that_is_not_reached_changes_nothing) {
     EXPECT_EQ(output.take(), "text");
 }
 
+TEST(report, a_text_longer_than_the_buffer_loses_nothing) {
+    const std::string name(10000, 'n');
+    testing::internal::CaptureStderr();
+    report<"ERROR cannot open %s (%s)\n">(name, "File name too long");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "ERROR cannot open " + name + " (File name too long)\n");
+}
+
 TEST(print, a_failed_write_is_kept_and_what_follows_is_dropped) {
     set_output_writer([](const char*, std::size_t) {
         errno = ENOSPC;
