@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -20,8 +21,28 @@ output_writer writer = write_to_standard_output;
 int first_error = 0;
 // NOLINTEND(*-avoid-non-const-global-variables)
 
+/// A stretch of output that is kept to a bound: where it begins in the buffer, and how much more of it is kept.
+struct output_bound {
+    bool active = false;
+    std::size_t begin = 0;
+    std::size_t left = 0;
+};
+
+// NOLINTNEXTLINE(*-avoid-non-const-global-variables): belongs to the buffer above
+output_bound bound;
+
+/// Takes what exceeds the bound out of the buffer again, and counts what does not.
+void hold_bound(text_sink& sink) {
+    if (bound.active) {
+        const std::size_t kept = std::min(sink.used - bound.begin, bound.left);
+        sink.used = bound.begin + kept;
+        bound.left -= kept;
+    }
+}
+
 /// Empties the buffer; after a failure by dropping it, so that a decoder can run to its end.
 bool drain_output(text_sink& sink) {
+    hold_bound(sink);
     std::size_t done = 0;
     while (first_error == 0 && done < sink.used) {
         const long written = writer(sink.data + done, sink.used - done);
@@ -32,6 +53,7 @@ bool drain_output(text_sink& sink) {
         }
     }
     sink.used = 0;
+    bound.begin = 0;
     return true;
 }
 
@@ -44,6 +66,7 @@ void set_output_writer(output_writer replacement) {
     writer = replacement != nullptr ? replacement : write_to_standard_output;
     first_error = 0;
     standard_output.used = 0;
+    bound.active = false;
 }
 
 bool flush_output() {
@@ -52,6 +75,15 @@ bool flush_output() {
 }
 
 int output_error() { return first_error; }
+
+void begin_bounded_output(std::size_t characters) {
+    bound = {.active = true, .begin = standard_output.used, .left = characters};
+}
+
+void end_bounded_output() {
+    hold_bound(standard_output);
+    bound.active = false;
+}
 
 void write_report(std::string_view text) {
     flush_output();

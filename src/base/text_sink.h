@@ -30,8 +30,11 @@ void put_run(text_sink& sink, char character, std::size_t count);
 template <std::size_t N>
 class text_buffer : public text_sink {
 public:
-    // NOLINTNEXTLINE(*-member-init,*.UninitializedObject): only what has been written is read
-    text_buffer() : text_sink{storage_, N, 0, nullptr} { storage_[0] = '\0'; }
+    text_buffer() {
+        data = storage_;
+        capacity = N;
+        storage_[0] = '\0';
+    }
     ~text_buffer() = default;
     text_buffer(const text_buffer&) = delete;
     text_buffer& operator=(const text_buffer&) = delete;

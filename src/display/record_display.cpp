@@ -15,7 +15,9 @@ namespace {
 constexpr std::uint32_t RECORD_SENT = 0x01;         // bits of the record flags
 constexpr std::uint32_t RECORD_CELL_HEADER = 0x80;  // the payload begins with an ATM cell header
 constexpr std::uint32_t EVENT_LAYER1 = 7;           // an event code: the record has no direction and no cell header
-constexpr int HEX_PREFIX = 38;                      // octets shown without -!
+constexpr std::size_t OUTPUT_PER_OCTET = 512;       // characters, at most
+constexpr std::size_t OUTPUT_PER_RECORD = 4096;
+constexpr int HEX_PREFIX = 38;  // octets shown without -!
 
 shown_record begin_record(display_context& context) {
     shown_record record{.context = context,
@@ -63,6 +65,29 @@ void show_payload(shown_record& record, const channel_display& display) {
     }
 }
 
+/// Shows a record up to the line end that closes it. False for a record without one: an event, whose line is complete,
+/// and a record that is not shown.
+bool show_record(display_context& context) {
+    shown_record record = begin_record(context);
+    const std::uint32_t time = record.header.timestamp_ms;
+    report_lost_records(context);
+    text_buffer<64> delta;
+    take_time(delta, context, time);
+    text_buffer<256> header;
+    print_to<"%06ld.%03ld ">(header, time / 1000, time % 1000);
+    const channel_display& display = find_channel_display(context.channel_type);
+    if (!display.header(header, record)) {
+        return false;
+    }
+    if (record.event_code != 0) {
+        dump_l1_event(context, header.text(), delta.text());
+        return false;
+    }
+    print<"%sDATA[%04ld]   %s">(header.text(), record.original_length, delta.text());
+    show_payload(record, display);
+    return true;
+}
+
 }  // namespace
 
 void apply_default_flags(display_context& context) {
@@ -89,25 +114,25 @@ void report_lost_records(display_context& context) {
     context.expected_sequence = sequence;
 }
 
+std::size_t record_output_bound(const display_context& context) {
+    int octets_held = context.payload.held();
+    for (const async_state& state : context.async) {
+        octets_held += state.count;
+    }
+    for (const pptp_state& state : context.pptp) {
+        octets_held += state.count;
+    }
+    return OUTPUT_PER_RECORD + OUTPUT_PER_OCTET * static_cast<std::size_t>(octets_held);
+}
+
 void display_record(display_context& context) {
-    shown_record record = begin_record(context);
-    const std::uint32_t time = record.header.timestamp_ms;
-    report_lost_records(context);
-    text_buffer<64> delta;
-    take_time(delta, context, time);
-    text_buffer<256> header;
-    print_to<"%06ld.%03ld ">(header, time / 1000, time % 1000);
-    const channel_display& display = find_channel_display(context.channel_type);
-    if (!display.header(header, record)) {
-        return;
+    const std::size_t line_end = 1;
+    begin_bounded_output(record_output_bound(context) - line_end);
+    const bool shown = show_record(context);
+    end_bounded_output();
+    if (shown) {
+        print<"\n">();
     }
-    if (record.event_code != 0) {
-        dump_l1_event(context, header.text(), delta.text());
-        return;
-    }
-    print<"%sDATA[%04ld]   %s">(header.text(), record.original_length, delta.text());
-    show_payload(record, display);
-    print<"\n">();
 }
 
 }  // namespace ifwatch

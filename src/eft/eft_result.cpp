@@ -12,7 +12,6 @@ namespace ifwatch {
 
 namespace {
 
-constexpr int WRITE_RESPONSE = 0x2F;
 constexpr int OTHER_REASON = 0x6F;
 
 constexpr named_value RESULTS[] = {
@@ -78,7 +77,7 @@ constexpr table_text REASONS[] = {
 constexpr int FIRST_REASON = 0x21;
 
 // The commands whose response tells how later parameters are to be read.
-constexpr int REMEMBERED_COMMANDS[] = {0x20, 0x22, 0x24, 0x25, 0x26, 0x27, 0x28, 0x29};
+constexpr int REMEMBERED_COMMANDS[] = {0x20, EFT_ACCESS, EFT_DIRECTORY, 0x25, 0x26, 0x27, 0x28, 0x29};
 
 void remember_command(int code, eft_tdu_state& state) {
     const bool remembered = std::ranges::find(REMEMBERED_COMMANDS, code) != std::end(REMEMBERED_COMMANDS);
@@ -105,7 +104,7 @@ octets print_result(octets codes, eft_tdu_state& state) {
     const int code = codes[0];
     const octets rest = codes.skip(1);
     const octets none = rest.skip(rest.length);
-    if (code == WRITE_RESPONSE) {
+    if (code == EFT_WRITE) {
         print<"Response for T-WRITE block 0x%04lx">(eft_number(rest));
         return none;
     }

@@ -11,7 +11,8 @@ struct display_context;
 // Event record of the router's fax engine, one trace record on the B-channel:
 //
 //     octet 0   event type
-//     octet 1   what belongs to it: an HDLC frame or page data (type 0), a mode octet (type 1), AT text (type 255)
+//     then      what belongs to it: an HDLC frame or page data (type 0), AT text (type 255), mode octets (type 1):
+//               received: that of the receiver; sent: that of the transmitter, that of the receiver, non-zero to send
 
 /// Prints one event of a fax call: a frame of the T.30 procedure, page data, a change of modulation, a tone, a lost
 /// carrier, or the text of an AT command (only under MODE_FAX_AT). `direction` is non-zero for what the router sends.

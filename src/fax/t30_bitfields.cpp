@@ -1,5 +1,6 @@
 #include "fax/t30_bitfields.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 

@@ -13,8 +13,8 @@ namespace ifwatch {
 
 namespace {
 
-// The letter behind a name says which station the bit 0 of its FCF stands for. Only the post-message commands of
-// 0x3x, 0x5x and 0x9x exist with a procedure interrupt (PRI-).
+// The letter behind a name is bit 0 of the FCF: S from the station that received a valid DIS, R from the other. Only
+// the post-message commands of 0x3x, 0x5x and 0x9x exist with a procedure interrupt (PRI-).
 constexpr named_value FCF_NAMES[] = {
     {0x1C, "ERR(%c)"}, {0x1D, "ERR(%c)"},                                        // response to EOR
     {0xFA, "DCN(%c)"}, {0xFB, "DCN(%c)"}, {0x1A, "CRP(%c)"}, {0x1B, "CRP(%c)"},  // disconnect, repeat

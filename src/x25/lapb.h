@@ -6,7 +6,7 @@ namespace ifwatch {
 
 struct display_context;
 
-// LAPB and X.75 frame header, ITU-T X.25 clause 2.3 and X.75 clause 2.3, least significant bit first:
+// LAPB and X.75 frame header, ITU-T X.25 clause 2.3 and X.75 clause 2.3, bit 7 on the left:
 //
 //     address   one octet (bit 0 set), or two octets as LAPD has them (bit 0 clear)
 //     control   modulo 8:     I  N(R) P N(S) 0      S  N(R) P/F .. 01      U  ... P/F .. 11
@@ -26,8 +26,8 @@ struct link_header {
 
 /// Prints the layer-2 line of a LAPB or X.75 frame, with the information field of an FRMR or XID frame, and follows
 /// the modulus in `context`. Returns the octets of the layer-2 header: 2, or 3 for an I or S frame in modulo 128 (the
-/// second octet of a two-octet address is not counted), and for FRMR and XID more than the frame has left. Octets that
-/// are not held read as 0.
+/// second octet of a two-octet address is not counted), and for FRMR and XID at least the whole frame. Octets that are
+/// not held read as 0.
 int dump_lapb_frame(octets frame, display_context& context);
 
 /// Prints the same line from fields that the caller has read. The information field of FRMR and XID stands at

@@ -2,7 +2,7 @@
 // output in proportion. The input is a whole trace:
 //
 //     octets 0-3   mode flags, little-endian
-//     octet  4     channel type
+//     octet  4     channel type; 0xFE is -2, the PABX
 //     then for each record
 //     octet  0     record flags
 //     octet  1     event code
@@ -26,8 +26,6 @@ using namespace ifwatch;
 
 constexpr std::size_t TRACE_HEADER = 5;
 constexpr std::size_t RECORD_HEADER = 5;
-constexpr std::size_t OUTPUT_PER_OCTET = 512;
-constexpr std::size_t OUTPUT_PER_RECORD = 4096;
 
 std::size_t printed = 0;  // NOLINT(*-avoid-non-const-global-variables): the writer below has no other place for it
 
@@ -50,10 +48,11 @@ std::span<const std::uint8_t> show_record(std::span<const std::uint8_t> input, r
     context.header = &header;
     context.payload = octets_of({data.get(), length});
     context.original_length = static_cast<std::uint32_t>(length) + input[2];
+    const std::size_t bound = record_output_bound(context);
     printed = 0;
     display_record(context);
     flush_output();
-    if (printed > OUTPUT_PER_OCTET * length + OUTPUT_PER_RECORD) {
+    if (printed > bound) {
         std::abort();
     }
     return input.subspan(RECORD_HEADER + length);
@@ -71,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     display_context context;
     init_display_context(context);
     context.mode_flags = load_le32(input.data());
-    context.channel_type = static_cast<std::int8_t>(input[4]);
+    context.channel_type = input[4] == 0xFE ? -2 : input[4];
     apply_default_flags(context);
     record_header header;
     for (input = input.subspan(TRACE_HEADER); input.size() >= RECORD_HEADER;) {

@@ -123,6 +123,37 @@ TEST(print, a_text_longer_than_the_buffer_loses_nothing) {
     EXPECT_EQ(output.take(), expected);
 }
 
+TEST(print, a_bound_cuts_what_is_printed_under_it) {
+    captured_output output;
+    print<"before ">();
+    begin_bounded_output(3);
+    print<"%d">(12345);
+    end_bounded_output();
+    print<" behind">();
+    EXPECT_EQ(output.take(), "before 123 behind");
+}
+
+TEST(print, a_bound_holds_across_a_buffer_that_fills) {
+    constexpr std::size_t BOUND = 100000;  // more than the buffer
+    captured_output output;
+    print<"before ">();
+    begin_bounded_output(BOUND);
+    for (std::size_t i = 0; i < 3 * BOUND; ++i) {
+        print<"x">();
+    }
+    end_bounded_output();
+    print<" behind">();
+    EXPECT_EQ(output.take(), "before " + std::string(BOUND, 'x') + " behind");
+}
+
+TEST(print, a_bound_that_is_not_reached_changes_nothing) {
+    captured_output output;
+    begin_bounded_output(100);
+    print<"text">();
+    end_bounded_output();
+    EXPECT_EQ(output.take(), "text");
+}
+
 TEST(report, a_text_longer_than_the_buffer_loses_nothing) {
     const std::string name(10000, 'n');
     testing::internal::CaptureStderr();

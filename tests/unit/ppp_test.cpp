@@ -2,8 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <array>
 
+#include <array>
 #include <vector>
 
 #include "support/captured_output.h"
