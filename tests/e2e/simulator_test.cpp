@@ -175,6 +175,9 @@ TEST(simulator, applies_filters) {
     EXPECT_EQ(shown({"-h", "--llc"}), "3");
     EXPECT_EQ(shown({"-h", "--dst=00:01:02:03:04:05"}), "12");
     EXPECT_EQ(shown({"-h", "--src=00:01:02:03:04:05"}), "");
+    EXPECT_EQ(shown({"-h", "--src=0a0b0c0d0e0f", "--src=!00:01:02:03:04:05"}), "123");
+    EXPECT_EQ(shown({"-h", "--dst=ff:ff:ff:ff:ff:ff", "-o", "-B", "1.1.1.2:1.1.1.3:6:81:80"}), "3");
+    EXPECT_EQ(shown({"-h", "-o", "--dst=!00:01:02:03:04:05", "-o", "-B", "1.1.1.3:1.1.1.2:6:81:80"}), "13");
     EXPECT_EQ(shown({"-h", "-V2", "-I", "::6"}), "1") << "version 2 carries filters, too";
     EXPECT_EQ(shown({"-h", "-V1", "-I", "::6"}), "123") << "version 1 does not";
     const outcome refused = sim.watch({"-I", "::tcp"});

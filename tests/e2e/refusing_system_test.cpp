@@ -1,0 +1,241 @@
+// What a run does when the system refuses it something: connections that break off before it writes, a descriptor, the
+// room for a file.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <future>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "support/process.h"
+#include "support/scripted_daemon.h"
+#include "support/temp_directory.h"
+#include "support/trace_records.h"
+
+namespace ifwatch::test {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+
+constexpr const char* STREAM_END = "trc hdr too short! = 0<22\n";
+constexpr const char* NO_ACKNOWLEDGE =
+    "Ifc:1000 (Chan:0 Unit:0 Slot:1) Type: -1 (not-found)\n negative trace acknowledge\n";
+
+std::string try_connect_to(const scripted_daemon& daemon) {
+    return "try connect to 127.0.0.1:" + std::to_string(daemon.port()) + "\n";
+}
+
+std::string connected_to(const scripted_daemon& daemon) {
+    return "ifwatch: connected to 127.0.0.1:" + std::to_string(daemon.port()) + "\n";
+}
+
+/// An error stream that takes some messages and holds the program up at the next one, until it is released.
+class held_up_errors {
+public:
+    held_up_errors() {
+        if (mkfifo(name().c_str(), 0600) != 0 || (pipe_ = open(name().c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC)) < 0) {
+            throw std::runtime_error("cannot make " + name());
+        }
+        size_ = fcntl(pipe_, F_SETPIPE_SZ, 1);  // at least a page
+    }
+    ~held_up_errors() { close(pipe_); }
+    held_up_errors(const held_up_errors&) = delete;
+    held_up_errors& operator=(const held_up_errors&) = delete;
+    held_up_errors(held_up_errors&&) = delete;
+    held_up_errors& operator=(held_up_errors&&) = delete;
+
+    void hold_up_behind(const std::string& messages) {
+        const std::string filling(static_cast<std::size_t>(size_) - messages.size(), '-');
+        if (write(pipe_, filling.data(), filling.size()) != static_cast<ssize_t>(filling.size())) {
+            throw std::runtime_error("cannot fill " + name());
+        }
+    }
+
+    /// Lets the program go on. Returns all that it has written so far.
+    std::string release() {
+        const std::lock_guard lock(mutex_);
+        char block[4096];
+        for (ssize_t count = read(pipe_, block, sizeof block); count > 0; count = read(pipe_, block, sizeof block)) {
+            text_.append(block, static_cast<std::size_t>(count));
+        }
+        text_.erase(0, text_.find_first_not_of('-'));
+        return text_;
+    }
+
+    /// Runs ifwatch with this as its error stream.
+    [[nodiscard]] outcome run_with(const scripted_daemon& daemon, std::vector<std::string> options) const {
+        options.insert(options.begin(), {"-c", R"(exec 2> "$0" "$@")", name(), IFWATCH_PROGRAM, daemon.port_option()});
+        options.insert(options.end(), {"127.0.0.1", "1000"});
+        return run({.program = "sh", .arguments = std::move(options)});
+    }
+
+private:
+    [[nodiscard]] std::string name() const { return directory_.file("errors"); }
+
+    temp_directory directory_;
+    int pipe_ = -1;
+    int size_ = 0;
+    std::mutex mutex_;  // over the next
+    std::string text_;
+};
+
+TEST(broken_connection, refuses_the_trace_request) {
+    held_up_errors errors;
+    const scripted_daemon daemon([&errors](const tcp_peer& client) {
+        client.reset();
+        errors.release();
+    });
+    errors.hold_up_behind("");
+    EXPECT_EQ(errors.run_with(daemon, {}).status, 1);
+    EXPECT_EQ(errors.release(), connected_to(daemon) + "ERROR write (Connection reset by peer)\n");
+}
+
+/// A daemon of which the first connection breaks off behind `step`, while the client is held up. The second one ends
+/// behind its trace request.
+std::vector<scripted_daemon::script> breaking_off_behind(scripted_daemon::script step, held_up_errors& errors) {
+    return {[step = std::move(step), &errors](const tcp_peer& client) {
+                client.receive(TRACE_REQUEST_OCTETS);
+                step(client);
+                client.reset();
+                errors.release();
+            },
+            [](const tcp_peer& client) { client.receive(TRACE_REQUEST_OCTETS); }};
+}
+
+TEST(broken_connection, refuses_the_addinfo_and_version_1_is_tried) {
+    held_up_errors errors;
+    const scripted_daemon daemon(breaking_off_behind([](const tcp_peer&) {}, errors));
+    const std::string before = try_connect_to(daemon) + connected_to(daemon);
+    errors.hold_up_behind(before);
+    EXPECT_EQ(errors.run_with(daemon, {"-vv", "-V2"}).status, 1);
+    EXPECT_EQ(errors.release(),
+              before + "written vtrace: V.2, 1/0/0 tlen: -1\nERROR write addinfo (Connection reset by peer)\n" +
+                  before + "written vtrace: V.1, 1/0/0 tlen: -1\n" + NO_ACKNOWLEDGE);
+}
+
+TEST(broken_connection, refuses_the_login_and_version_1_is_tried) {
+    held_up_errors errors;
+    const auto challenge = [](const tcp_peer& client) {
+        client.send_element(2, {3});
+        client.send_element(10, {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88});
+    };
+    const scripted_daemon daemon(breaking_off_behind(challenge, errors));
+    errors.hold_up_behind(connected_to(daemon));
+    EXPECT_EQ(errors.run_with(daemon, {"-v", "--pwd=x"}).status, 1);
+    EXPECT_EQ(errors.release(), connected_to(daemon) +
+                                    "got RVERSION 3\nERROR write addinfo (Connection reset by peer)\n" +
+                                    connected_to(daemon) + NO_ACKNOWLEDGE);
+}
+
+/// Changes a limit of a running program.
+void limit(pid_t program, __rlimit_resource what, rlim_t value) {
+    const rlimit wanted = {value, value};
+    EXPECT_EQ(prlimit(program, what, &wanted, nullptr), 0);
+}
+
+TEST(no_descriptor, refuses_the_second_connection) {
+    std::promise<pid_t> started;
+    const scripted_daemon daemon([&started](const tcp_peer& client) {
+        client.receive(TRACE_REQUEST_OCTETS);
+        limit(started.get_future().get(), RLIMIT_NOFILE, 3);
+    });
+    process tracer({.program = IFWATCH_PROGRAM, .arguments = {daemon.port_option(), "127.0.0.1", "1000"}});
+    started.set_value(tracer.id());
+    const outcome got = tracer.wait();
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, connected_to(daemon) +
+                              "Ifc:1000 (Chan:0 Unit:0 Slot:1) Type: -1 (not-found)\n missing elem header data\n"
+                              "ERROR socket (Too many open files)\n");
+}
+
+/// A file that takes only so many octets.
+class full_file : public testing::Test {
+protected:
+    static constexpr rlim_t FILE_HEADER = 24;
+    static constexpr rlim_t RECORD_HEADER = 16;
+
+    /// Traces two records of 14 octets into a file of at most `octets`.
+    outcome trace(rlim_t octets, const std::vector<std::string>& options = {}) {
+        std::promise<void> limited;
+        const scripted_daemon daemon([&limited](const tcp_peer& client) {
+            client.receive(TRACE_REQUEST_OCTETS);
+            client.send({CHANNEL_TYPE_LAN});
+            limited.get_future().wait_for(10s);
+            client.send(trace_record(1, std::vector<std::uint8_t>(14, 0xA1)));
+            client.send(trace_record(2, std::vector<std::uint8_t>(14, 0xA2)));
+        });
+        std::vector<std::string> arguments = {"-c",
+                                              R"(trap "" XFSZ; exec "$0" "$@")",
+                                              IFWATCH_PROGRAM,
+                                              "-V1",
+                                              daemon.port_option(),
+                                              "--pcap-file",
+                                              "--ofile=" + name};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        arguments.insert(arguments.end(), {"127.0.0.1", "1000"});
+        process tracer({.program = "sh", .arguments = arguments});
+        EXPECT_TRUE(wait_for_header());
+        limit(tracer.id(), RLIMIT_FSIZE, octets);
+        limited.set_value();
+        return tracer.wait();
+    }
+
+    std::string written() {
+        std::string text;
+        EXPECT_TRUE(read_file(name, text));
+        return text;
+    }
+
+private:
+    bool wait_for_header() {
+        struct stat entry {};
+        const auto until = std::chrono::steady_clock::now() + 10s;
+        while (std::chrono::steady_clock::now() < until) {
+            if (stat(name.c_str(), &entry) == 0 && entry.st_size == FILE_HEADER) {
+                return true;
+            }
+            std::this_thread::sleep_for(1ms);
+        }
+        return false;
+    }
+
+    temp_directory directory;
+    std::string name = directory.file("out.pcap");
+};
+
+TEST_F(full_file, a_record_header_does_not_fit) {
+    const outcome got = trace(FILE_HEADER + 10);
+    EXPECT_EQ(got.status, 0);
+    EXPECT_THAT(got.errors, HasSubstr("Packets captured:        0"
+                                      "ERROR write pcap datahdr ret : -1\nwrite pcap data header: File too large\n"
+                                      "\b\b\b\b\b\b\b\b       1"
+                                      "ERROR write pcap datahdr ret : -1\nwrite pcap data header: Bad file descriptor\n"
+                                      "\b\b\b\b\b\b\b\b       2" +
+                                      std::string(STREAM_END)));
+    EXPECT_EQ(written(), pcap_of(1).substr(0, FILE_HEADER + 10));
+}
+
+TEST_F(full_file, a_frame_does_not_fit_and_the_display_goes_on) {
+    const outcome got = trace(FILE_HEADER + RECORD_HEADER + 5, {"--print", "-t"});
+    EXPECT_EQ(got.status, 0);
+    EXPECT_EQ(got.output, "000001.000 X DATA[0014]   \n\n000002.000 X DATA[0014]   \n\n");
+    EXPECT_THAT(got.errors,
+                HasSubstr("\nERROR write pcap data ret : -1\nwrite pcap data pkt: File too large\n"
+                          "ERROR write pcap datahdr ret : -1\nwrite pcap data header: Bad file descriptor\n" +
+                          std::string(STREAM_END)));
+    EXPECT_EQ(written(), pcap_of(1).substr(0, FILE_HEADER + RECORD_HEADER + 5));
+}
+
+}  // namespace
+}  // namespace ifwatch::test
