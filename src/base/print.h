@@ -21,9 +21,9 @@ void set_output_writer(output_writer replacement);
 bool flush_output();
 [[nodiscard]] int output_error();
 
-/// From here to end_bounded_output at most `bound` characters of what is printed are kept; what is printed behind them
+/// From here to end_bounded_output at most so many characters of what is printed are kept; what is printed behind them
 /// is dropped.
-void begin_bounded_output(std::size_t bound);
+void begin_bounded_output(std::size_t characters);
 void end_bounded_output();
 
 /// Prints to the standard output.

@@ -25,14 +25,16 @@ namespace {
 
 /// A standard stream that was closed when the program started is taken by /dev/null: otherwise the connection or the
 /// sink would become that stream. It is opened the wrong way round, so that output to it fails and is not lost unseen.
-bool occupy_standard_streams() {
-    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(fd, F_GETFD) < 0 && open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY) != fd) {
-            report<"ERROR cannot open %s (%s)\n">("/dev/null", std::strerror(errno));
-            return false;
-        }
+bool occupy_if_closed(int fd) {
+    if (fcntl(fd, F_GETFD) >= 0 || open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY) == fd) {
+        return true;
     }
-    return true;
+    report<"ERROR cannot open %s (%s)\n">("/dev/null", std::strerror(errno));
+    return false;
+}
+
+bool occupy_standard_streams() {
+    return occupy_if_closed(STDIN_FILENO) && occupy_if_closed(STDOUT_FILENO) && occupy_if_closed(STDERR_FILENO);
 }
 
 session_settings session_of(const options& settings) {
