@@ -39,9 +39,8 @@ TEST(hex_dump, the_seventeenth_octet_begins_a_second_line) {
 }
 
 TEST(hex_dump, nine_octets_cross_the_gap) {
-    EXPECT_EQ(
-        dumped(std::vector<std::uint8_t>(9, '1'), 9, 16, 0),
-        "0000: 31 31 31 31 31 31 31 31  31 " + std::string(21, ' ') + " 111111111" + std::string(7, ' ') + "\n");
+    EXPECT_EQ(dumped(std::vector<std::uint8_t>(9, '1'), 9, 16, 0),
+              "0000: 31 31 31 31 31 31 31 31  31 " + std::string(21, ' ') + " 111111111" + std::string(7, ' ') + "\n");
 }
 
 TEST(hex_dump, eight_octets_a_line) {
