@@ -397,6 +397,18 @@ TEST_F(analyser, reads_the_pipe) {
     EXPECT_FALSE(exists(name));
 }
 
+TEST_F(analyser, is_the_usual_one_when_the_environment_names_none) {
+    const std::string script = directory.write("ethereal", RECORDING_ANALYSER);
+    ASSERT_EQ(chmod(script.c_str(), 0700), 0);
+    const scripted_daemon daemon(serving(1));
+    command what = tracing(daemon, {"--ethereal", option});
+    what.environment = {{"PATH", directory.path() + ":/usr/bin:/bin"}, {"TRACE_EXEC", ""}};
+    EXPECT_THAT(run(what).errors, HasSubstr("created pipe: " + name + "\nstarting: ethereal -Sk -i " + name + "\n"));
+    ASSERT_TRUE(wait_for_file(directory.file("captured")));
+    EXPECT_EQ(text_of(directory.file("captured")), pcap_of(1));
+    EXPECT_EQ(text_of(directory.file("arguments")), "3\n-Sk\n-i\n" + name + "\n");
+}
+
 TEST_F(analyser, that_does_not_start_may_be_started_by_hand) {
     const scripted_daemon daemon(serving(2));
     command what = tracing(daemon, {"--ethereal", option});
