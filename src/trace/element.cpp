@@ -39,10 +39,7 @@ const char* read_element(int fd, std::uint32_t& header, std::span<std::uint8_t> 
 
 bool write_all(int fd, std::span<const std::uint8_t> buffer) {
     while (!buffer.empty()) {
-        ssize_t written = send(fd, buffer.data(), buffer.size(), MSG_NOSIGNAL);
-        if (written < 0 && errno == ENOTSOCK) {
-            written = write(fd, buffer.data(), buffer.size());
-        }
+        const ssize_t written = send(fd, buffer.data(), buffer.size(), MSG_NOSIGNAL);
         if (written >= 0) {
             buffer = buffer.subspan(static_cast<std::size_t>(written));
         } else if (errno != EINTR) {

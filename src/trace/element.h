@@ -71,8 +71,8 @@ int read_n(int fd, std::uint8_t* buffer, int n);
 /// data", and "read buffer overflow" for data that do not leave an octet of the buffer free (they stay unread).
 const char* read_element(int fd, std::uint32_t& header, std::span<std::uint8_t> buffer);
 
-/// Sends the whole buffer, as one write where the system takes it at once. A peer that has gone never raises the
-/// broken-pipe signal. False when not all could be sent (errno set).
+/// Sends the whole buffer on a socket, as one write where the system takes it at once. A peer that has gone never
+/// raises the broken-pipe signal. False when not all could be sent (errno set).
 bool write_all(int fd, std::span<const std::uint8_t> buffer);
 
 }  // namespace ifwatch

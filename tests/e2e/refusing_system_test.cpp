@@ -184,7 +184,7 @@ protected:
                                               "-V1",
                                               daemon.port_option(),
                                               "--pcap-file",
-                                              "--ofile=" + name};
+                                              "--ofile=" + name_};
         arguments.insert(arguments.end(), options.begin(), options.end());
         arguments.insert(arguments.end(), {"127.0.0.1", "1000"});
         process tracer({.program = "sh", .arguments = arguments});
@@ -196,7 +196,7 @@ protected:
 
     std::string written() {
         std::string text;
-        EXPECT_TRUE(read_file(name, text));
+        EXPECT_TRUE(read_file(name_, text));
         return text;
     }
 
@@ -205,7 +205,7 @@ private:
         struct stat entry {};
         const auto until = std::chrono::steady_clock::now() + 10s;
         while (std::chrono::steady_clock::now() < until) {
-            if (stat(name.c_str(), &entry) == 0 && entry.st_size == FILE_HEADER) {
+            if (stat(name_.c_str(), &entry) == 0 && entry.st_size == FILE_HEADER) {
                 return true;
             }
             std::this_thread::sleep_for(1ms);
@@ -213,8 +213,8 @@ private:
         return false;
     }
 
-    temp_directory directory;
-    std::string name = directory.file("out.pcap");
+    temp_directory directory_;
+    std::string name_ = directory_.file("out.pcap");
 };
 
 TEST_F(full_file, a_record_header_does_not_fit) {
