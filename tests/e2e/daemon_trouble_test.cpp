@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/programs.h"
 #include "support/simulator.h"
 #include "support/temp_directory.h"
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "support/process.h"
+#include "support/programs.h"
 #include "support/temp_directory.h"
 
 namespace ifwatch::test {

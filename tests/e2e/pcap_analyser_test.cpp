@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/programs.h"
 #include "support/scripted_daemon.h"
 #include "support/simulator.h"
 #include "support/temp_directory.h"

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/programs.h"
 #include "support/scripted_daemon.h"
 
 namespace ifwatch::test {

@@ -1,3 +1,4 @@
+#include "support/programs.h"
 #include "support/simulator.h"
 
 #include <gtest/gtest.h>

@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "support/programs.h"
+
 namespace ifwatch::test {
 
 namespace {

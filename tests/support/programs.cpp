@@ -1,0 +1,9 @@
+#include "support/programs.h"
+
+namespace ifwatch::test {
+
+const char* const IFWATCH_PROGRAM = PATH_OF_IFWATCH;
+const char* const IFWATCH_SIM_PROGRAM = PATH_OF_IFWATCH_SIM;
+const char* const GOLDEN_RUNNER_PROGRAM = PATH_OF_GOLDEN_RUNNER;
+
+}  // namespace ifwatch::test
