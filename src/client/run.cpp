@@ -9,11 +9,14 @@
 
 #include "base/print.h"
 #include "base/program_name.h"
+#include "base/verbose.h"
+#include "client/confinement.h"
 #include "client/options.h"
 #include "client/sinks.h"
 #include "client/usage.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
+#include "trace/auth.h"
 #include "trace/channel_test.h"
 #include "trace/pcap.h"
 #include "trace/record_stream.h"
@@ -55,7 +58,18 @@ int connect_session(options& settings, display_context& context) {
         result = open_session(result, socket_fd, session, settings.target, addinfo, context);
     }
     settings.password.wipe();
+    wipe_password_variable();
+    wipe_dead_stack();
     return result == 0 ? socket_fd : -1;
+}
+
+/// The octets of strangers come next: from here on the process can do no more than the record loop has to.
+void confine(int socket_fd, const pcap_sink& sink, sink_kind kind) {
+    const int failure =
+        confine_to_record_loop({.input_fd = socket_fd, .sink_fd = sink.fd(), .has_pipe = kind == SINK_PIPE});
+    if (failure != 0 && verbose_level > 0) {
+        report<"not confined to the calls of the record loop (%s)\n">(std::strerror(failure));
+    }
 }
 
 int receive(int socket_fd, const options& settings, display_context& context) {
@@ -64,6 +78,7 @@ int receive(int socket_fd, const options& settings, display_context& context) {
         (!sink.open(settings) || write_pcap_header(sink.fd(), context, settings.pcap_linktype) < 0)) {
         return 1;
     }
+    confine(socket_fd, sink, settings.sink);
     return receive_records(socket_fd, {.pcap_fd = sink.fd(), .print = settings.print}, context);
 }
 
@@ -108,6 +123,7 @@ int run(int argc, char** argv) {
         case command::TRACE:
             break;
     }
+    wipe_dead_stack();  // before the records' context takes its place there
     return trace(settings);
 }
 

@@ -19,4 +19,9 @@ void secret::wipe() {
     }
 }
 
+[[gnu::noinline]] void wipe_dead_stack() {
+    char dead[65536];
+    explicit_bzero(dead, sizeof dead);
+}
+
 }  // namespace ifwatch

@@ -25,4 +25,8 @@ private:
     std::unique_ptr<char[]> text_;
 };
 
+/// Overwrites the stack below its caller, where functions that have returned may have left a piece of a password: a
+/// vector register saved, an argument spilled.
+void wipe_dead_stack();
+
 }  // namespace ifwatch

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include "base/print.h"
@@ -83,6 +84,13 @@ int calc_auth(const char* given_password, std::span<const std::uint8_t> challeng
         report<"calced auth: 0x%08x%08x\n">(load_le32(digest.data()), load_le32(&digest[4]));
     }
     return 0;
+}
+
+void wipe_password_variable() {
+    if (char* const value = std::getenv(PASSWORD_VARIABLE); value != nullptr) {
+        OPENSSL_cleanse(value, std::strlen(value));
+        unsetenv(PASSWORD_VARIABLE);
+    }
 }
 
 void prompt_password(std::string_view prompt, std::span<char, 32> password) {

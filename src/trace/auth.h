@@ -20,6 +20,10 @@ bool auth_digest(std::string_view password, std::span<const std::uint8_t> challe
 int calc_auth(const char* given_password, std::span<const std::uint8_t> challenge,
               std::span<std::uint8_t, AUTH_LENGTH> reply);
 
+/// Overwrites a password that came in TRACE_PWD and takes the variable out of the environment, also of programs started
+/// later.
+void wipe_password_variable();
+
 /// Writes the prompt to the error stream and reads one line of the standard input into `password`: at most 31
 /// characters, without its line end; the rest of a longer line is read away. Empty at the end of input.
 void prompt_password(std::string_view prompt, std::span<char, 32> password);
