@@ -82,12 +82,18 @@ watch() {
     show "$name" "$(type_of "$interface") $interface: $title" "$build/ifwatch" $(value "$1" options) 127.0.0.1 "$interface"
 }
 
-# The analyser finds plug-ins of its user in the home folder; here that is an empty one with ours in it.
-show_analyser_list() {
-    plugins=$OUT/home/.config/wireshark/extcap
-    mkdir -p "$plugins"
-    ln -sf "$(cd "$build" && pwd)/ifwatch-extcap" "$plugins/ifwatch-extcap"
-    show analyser "The router among the interfaces of the analyser" env HOME="$(cd "$OUT/home" && pwd)" tshark -D
+# The analyser finds the plug-ins of its user in the home folder (from version 4.2 on in the second); here that is an empty
+# one with ours in it.
+show_analyser() {
+    home=$(mkdir -p "$OUT/home" && cd "$OUT/home" && pwd)
+    program=$(cd "$build" && pwd)/ifwatch-extcap
+    for plugins in "$home/.config/wireshark/extcap" "$home/.local/lib/wireshark/extcap"; do
+        mkdir -p "$plugins"
+        ln -s "$program" "$plugins"
+    done
+    show analyser "The router in the list of the analyser" env HOME="$home" tshark -D
+    show capture "... and traced there" env HOME="$home" tshark -n -i ifwatch -o extcap.ifwatch.host:127.0.0.1 \
+        -o extcap.ifwatch.interface:"$(value samples/isdn-call.case interface)"
 }
 
 rm -rf "$OUT"
@@ -111,7 +117,11 @@ lan=samples/lan-session.case
 show pcap "The same LAN, printed and at once written as PCAP" \
     "$build/ifwatch" --pcap-file --print -i --ofile="$OUT/lan-session.pcap" 127.0.0.1 "$(value "$lan" interface)"
 show tshark "... and read by another analyser" tshark -n -r "$OUT/lan-session.pcap"
-[ ! -x "$build/ifwatch-extcap" ] || show_analyser_list
+[ ! -x "$build/ifwatch-extcap" ] || show_analyser
+if "$build/ifwatch-sim" --help | grep -q "ifwatch-sim import"; then
+    show import "The PCAP file made into a case for the simulator: so anything captured elsewhere is decoded here" \
+        "$build/ifwatch-sim" import --sent 02:00:01:01:02:03 "$OUT/lan-session.pcap"
+fi
 
 say "That was all of it. With a router of yours: $build/ifwatch ROUTER"
 echo "What the lines mean: docs/reading-a-trace.md"
