@@ -75,7 +75,7 @@ bool wlan_header(text_sink& out, shown_record& record) {
         return false;
     }
     const char* label = "OID RECEIVE: ";
-    if ((record.header.record_flags & 1) != 0) {
+    if ((record.header.record_flags & RECORD_SENT) != 0) {
         label = record.payload.be32(4) != 0 ? "SET REQUEST:" : "GET REQUEST:";
     }
     print_to<"%s %-32s ">(out, label, name);

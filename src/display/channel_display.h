@@ -7,6 +7,10 @@
 
 namespace ifwatch {
 
+// Bits of the record flags.
+inline constexpr std::uint32_t RECORD_SENT = 0x01;
+inline constexpr std::uint32_t RECORD_CELL_HEADER = 0x80;  // the payload begins with an ATM cell header
+
 /// The record that is being shown, and what its header line has found out about it.
 struct shown_record {
     display_context& context;

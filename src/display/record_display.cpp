@@ -12,8 +12,6 @@ namespace ifwatch {
 
 namespace {
 
-constexpr std::uint32_t RECORD_SENT = 0x01;         // bits of the record flags
-constexpr std::uint32_t RECORD_CELL_HEADER = 0x80;  // the payload begins with an ATM cell header
 constexpr std::uint32_t EVENT_LAYER1 = 7;           // an event code: the record has no direction and no cell header
 constexpr std::size_t OUTPUT_PER_OCTET = 512;       // characters, at most
 constexpr std::size_t OUTPUT_PER_RECORD = 4096;
