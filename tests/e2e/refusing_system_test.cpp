@@ -95,22 +95,80 @@ void limit(pid_t program, decltype(RLIMIT_NOFILE) what, rlim_t value) {
     EXPECT_EQ(prlimit(program, what, &wanted, nullptr), 0);
 }
 
-TEST(no_descriptor, refuses_the_second_connection) {
+/// Traces interface 1000 of a daemon that limits what its client may have, behind the trace request. Then it closes;
+/// or, with a channel type to send, it goes on with a session of version 1.
+outcome trace_limited(decltype(RLIMIT_NOFILE) what, rlim_t value, std::vector<std::string> arguments,
+                      std::string& connected, bool acknowledges = true, const std::string& tunables = "") {
     std::promise<pid_t> started;
-    const scripted_daemon daemon([&started](const tcp_peer& client) {
+    const scripted_daemon daemon([&](const tcp_peer& client) {
         client.receive(TRACE_REQUEST_OCTETS);
-        limit(started.get_future().get(), RLIMIT_NOFILE, 3);
+        limit(started.get_future().get(), what, value);
+        if (acknowledges) {
+            client.send({CHANNEL_TYPE_LAN});
+        }
     });
-    // Without descriptors a sanitizer's search for leaks fails, too.
-    process tracer({.program = IFWATCH_PROGRAM,
-                    .arguments = {daemon.port_option(), "127.0.0.1", "1000"},
-                    .environment = {{"ASAN_OPTIONS", "detect_leaks=0"}}});
+    connected = connected_to(daemon);
+    arguments.insert(arguments.end(), {"127.0.0.1", "1000"});
+    command run_of = tracing(daemon, std::move(arguments));
+    // A sanitizer's search for leaks takes descriptors, too.
+    run_of.environment = {{"ASAN_OPTIONS", "detect_leaks=0"}, {"GLIBC_TUNABLES", tunables}};
+    process tracer(run_of);
     started.set_value(tracer.id());
-    const outcome got = tracer.wait();
+    return tracer.wait();
+}
+
+constexpr rlim_t STANDARD_STREAMS = 3;
+constexpr rlim_t AND_THE_CONNECTION = 4;
+
+TEST(no_descriptor, refuses_the_second_connection) {
+    std::string connected;
+    const outcome got = trace_limited(RLIMIT_NOFILE, STANDARD_STREAMS, {}, connected, false);
     EXPECT_EQ(got.status, 1);
-    EXPECT_EQ(got.errors, connected_to(daemon) +
-                              "Ifc:1000 (Chan:0 Unit:0 Slot:1) Type: -1 (not-found)\n missing elem header data\n"
-                              "ERROR socket (Too many open files)\n");
+    EXPECT_EQ(got.errors,
+              connected + report_of(NO_TYPE, "missing elem header data") + "ERROR socket (Too many open files)\n");
+}
+
+TEST(no_descriptor, refuses_the_file) {
+    const temp_directory directory;
+    const std::string name = directory.file("out");
+    std::string connected;
+    const outcome got =
+        trace_limited(RLIMIT_NOFILE, AND_THE_CONNECTION, {"-V1", "--pcap-file", "--ofile=" + name}, connected);
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, connected + report_of("6 (LAN)", "") + "created file: " + name + "\nERROR cannot open " +
+                              name + " (Too many open files)\n");
+}
+
+TEST(no_descriptor, refuses_the_pipe_which_is_removed) {
+    const temp_directory directory;
+    const std::string name = directory.file("out");
+    std::string connected;
+    const outcome got =
+        trace_limited(RLIMIT_NOFILE, AND_THE_CONNECTION, {"-V1", "--pcap-pipe", "--ofile=" + name}, connected);
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, connected + report_of("6 (LAN)", "") + "created pipe: " + name +
+                              "\nstart now e.g.: ethereal -Sk -i " + name + "\nERROR cannot open " + name +
+                              " (Too many open files)\n");
+    struct stat entry {};
+    EXPECT_NE(lstat(name.c_str(), &entry), 0);
+}
+
+TEST(no_descriptor, is_no_trouble_for_records_on_the_terminal) {
+    std::string connected;
+    const outcome got = trace_limited(RLIMIT_NOFILE, AND_THE_CONNECTION, {"-V1"}, connected);
+    EXPECT_EQ(got.status, 0);
+    EXPECT_EQ(got.errors, connected + report_of("6 (LAN)", "") + STREAM_END);
+}
+
+TEST(no_memory, refuses_the_record_buffer) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the address sanitizer has an allocator of its own";
+#endif
+    std::string connected;
+    const outcome got =
+        trace_limited(RLIMIT_AS, 0, {"-V1"}, connected, true, "glibc.malloc.top_pad=0");  // no more than it has
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, connected + report_of("6 (LAN)", "") + "malloc 8192 bytes failed!\n");
 }
 
 /// A file that takes only so many octets.
