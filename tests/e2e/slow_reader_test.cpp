@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <csignal>
+#include <future>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -148,6 +150,25 @@ TEST_P(slow_output, gets_the_reports_too) {
 
 INSTANTIATE_TEST_SUITE_P(that, slow_output, testing::Values(true, false),
                          [](const auto& test) { return test.param ? "blocks" : "does_not_block"; });
+
+TEST(gone_reader, of_the_output_ends_the_run_as_the_broken_pipe_does) {
+    std::promise<void> gone;
+    const scripted_daemon daemon([&gone](const tcp_peer& client) {
+        serving(1)(client);
+        gone.get_future().wait_for(10s);
+        client.send(trace_record(2, {1}));
+    });
+    const slow_pipe pipe(true);
+    command what = tracing(daemon, {"-V1", "127.0.0.1", "1000"});
+    what.output_fd = pipe.write_fd;
+    process tracer(what);
+    close(pipe.write_fd);
+    char octet = 0;
+    EXPECT_EQ(read(pipe.read_fd, &octet, 1), 1);
+    close(pipe.read_fd);
+    gone.set_value();
+    EXPECT_EQ(tracer.wait().signal, SIGPIPE);
+}
 
 TEST(slow_input, is_waited_for) {
     int ends[2];

@@ -74,8 +74,8 @@ const conversation::failure& conversation::failure_behind(std::size_t octets) co
 }
 
 const std::vector<conversation>& conversations() {
-    static const std::vector<conversation> all = {version_1(), version_2(), version_3()};
-    return all;
+    static const std::vector<conversation> ALL = {version_1(), version_2(), version_3()};
+    return ALL;
 }
 
 }  // namespace ifwatch::test
