@@ -1,5 +1,6 @@
 #include "base/print.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,7 +13,24 @@ namespace {
 
 constexpr std::size_t OUTPUT_CAPACITY = 65536;
 
-long write_to_standard_output(const char* data, std::size_t length) { return write(STDOUT_FILENO, data, length); }
+/// write(2) that waits for room also where the stream does not block: whoever shares a terminal or a pipe with this
+/// program may have set it so.
+long write_patiently(int fd, const char* data, std::size_t length) {
+    while (true) {
+        const long written = write(fd, data, length);
+        if (written >= 0 || errno != EAGAIN) {
+            return written;
+        }
+        pollfd stream{fd, POLLOUT, 0};
+        if (poll(&stream, 1, -1) < 0 && errno != EINTR) {
+            return -1;
+        }
+    }
+}
+
+long write_to_standard_output(const char* data, std::size_t length) {
+    return write_patiently(STDOUT_FILENO, data, length);
+}
 
 // A process has one standard output, and this is the state of it.
 // NOLINTBEGIN(*-avoid-non-const-global-variables)
@@ -88,7 +106,7 @@ void end_bounded_output() {
 void write_report(std::string_view text) {
     flush_output();
     while (!text.empty()) {
-        const long written = write(STDERR_FILENO, text.data(), text.size());
+        const long written = write_patiently(STDERR_FILENO, text.data(), text.size());
         if (written > 0) {
             text.remove_prefix(static_cast<std::size_t>(written));
         } else if (written == 0 || errno != EINTR) {

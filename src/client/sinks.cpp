@@ -39,12 +39,12 @@ bool is_standard_stream(const struct stat& file) {
     return false;
 }
 
-/// Whether the name stands for an old file that may give way. A directory and a device may not, nor may a link to a
-/// device or to a stream this program was handed, such as /dev/stdout.
+/// Whether what may have the name already is to give way. A directory and a device are not, nor is a link to a device
+/// or to a stream this program was handed, such as /dev/stdout.
 bool may_be_removed(const char* name) {
     struct stat entry {};
     if (lstat(name, &entry) != 0) {
-        return false;
+        return true;
     }
     if (!S_ISLNK(entry.st_mode)) {
         return S_ISREG(entry.st_mode) || S_ISFIFO(entry.st_mode);
@@ -52,6 +52,17 @@ bool may_be_removed(const char* name) {
     struct stat target {};
     return stat(name, &target) != 0 ||
            (!S_ISCHR(target.st_mode) && !S_ISBLK(target.st_mode) && !is_standard_stream(target));
+}
+
+/// Removes an old file of the name. Returns the flags to open a new one with: where others may write too, as in /tmp,
+/// none of them may put a file or a link of their own in its place meanwhile. What stays by right is opened as it is;
+/// an old link that could not be removed is not followed.
+int make_way(const char* name) {
+    if (!may_be_removed(name)) {
+        return O_CREAT | O_TRUNC;
+    }
+    const bool free = unlink(name) == 0 || errno == ENOENT;
+    return free ? O_CREAT | O_EXCL : O_CREAT | O_TRUNC | O_NOFOLLOW;
 }
 
 bool create_pipe(const char* name) {
@@ -75,13 +86,13 @@ void find_reader(const char* pipe_name, bool wants_analyser) {
 }
 
 /// The descriptor, or -1 after a message.
-int open_for_writing(const char* name) {
+int open_for_writing(const char* name, int flags) {
     if (verbose_level > 0) {
         report<"open file %s\n">(name);
     }
     int fd = -1;
     do {
-        fd = open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, OWNER_ONLY);
+        fd = open(name, O_WRONLY | O_CLOEXEC | flags, OWNER_ONLY);
     } while (fd < 0 && errno == EINTR);
     if (fd < 0) {
         report<"ERROR cannot open %s (%s)\n">(name, std::strerror(errno));
@@ -96,17 +107,16 @@ pcap_sink::~pcap_sink() { remove_pipe(); }
 bool pcap_sink::open(const options& settings) {
     build_name(settings, name_);
     const char* const name = name_.c_str();
-    if (may_be_removed(name)) {
-        unlink(name);
-    }
+    int flags = make_way(name);
     if (settings.sink == SINK_FILE) {
         report<"created file: %s\n">(name);
     } else if (create_pipe(name)) {
         find_reader(name, settings.start_analyser);
+        flags = O_NOFOLLOW;  // the pipe is there
     } else {
         return false;
     }
-    fd_ = open_for_writing(name);
+    fd_ = open_for_writing(name, flags);
     return fd_ >= 0;
 }
 

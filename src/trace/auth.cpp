@@ -2,6 +2,7 @@
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,14 +24,20 @@ constexpr const char* PASSWORD_VARIABLE = "TRACE_PWD";
 
 bool add(EVP_MD_CTX* md5, const void* data, std::size_t length) { return EVP_DigestUpdate(md5, data, length) == 1; }
 
-/// One octet of the standard input; -1 at its end.
+/// One octet of the standard input, waited for also where that does not block; -1 at its end.
 int read_character() {
     unsigned char octet = 0;
-    ssize_t count = 0;
-    do {
-        count = read(STDIN_FILENO, &octet, 1);
-    } while (count < 0 && errno == EINTR);
-    return count == 1 ? octet : -1;
+    while (true) {
+        const ssize_t count = read(STDIN_FILENO, &octet, 1);
+        if (count >= 0) {
+            return count == 1 ? octet : -1;
+        }
+        pollfd input{STDIN_FILENO, POLLIN, 0};
+        const bool again = errno == EINTR || (errno == EAGAIN && (poll(&input, 1, -1) >= 0 || errno == EINTR));
+        if (!again) {
+            return -1;
+        }
+    }
 }
 
 /// The password of the run: given, from the environment, or asked for (then kept in `typed`).

@@ -25,6 +25,7 @@ constexpr int TRY_VERSION_1 = 1;  // for a daemon that did not speak its first e
 constexpr int FAILED = -1;
 constexpr int BUFFER_SIZE = 100;
 constexpr int INFO_LENGTH = 8;
+constexpr int ELEMENTS_MAXIMUM = 1000000;  // of one reply, its end element included
 constexpr int TYPE_LAN_8023 = 7;
 constexpr const char* WRONG_ELEMENT = "received wrong ELEM";
 
@@ -181,10 +182,15 @@ reply_step take_element(attempt& session) {
     }
 }
 
-/// Reads the daemon's reply up to its end element. False with the error noted.
+/// Reads the daemon's reply up to its end element. False with the error noted. A reply that shows no end is given up.
 bool receive_reply(attempt& session) {
     reply_step step = reply_step::NEXT_ELEMENT;
-    while (step == reply_step::NEXT_ELEMENT) {
+    for (int elements = 0; step == reply_step::NEXT_ELEMENT; ++elements) {
+        if (elements == ELEMENTS_MAXIMUM) {
+            session.error = "too many elements";
+            session.retry_version = FAILED;
+            return false;
+        }
         if (!next_element(session)) {
             return false;
         }

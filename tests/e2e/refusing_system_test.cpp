@@ -1,7 +1,6 @@
 // What a run does when the system refuses it something: connections that break off before it writes, a descriptor, the
 // room for a file.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -10,16 +9,16 @@
 
 #include <chrono>
 #include <future>
-#include <mutex>
-#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "support/held_up_errors.h"
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/scripted_daemon.h"
+#include "support/session_script.h"
 #include "support/temp_directory.h"
 #include "support/trace_records.h"
 
@@ -29,7 +28,6 @@ namespace {
 using namespace std::chrono_literals;
 using testing::HasSubstr;
 
-constexpr const char* STREAM_END = "trc hdr too short! = 0<22\n";
 constexpr const char* NO_ACKNOWLEDGE =
     "Ifc:1000 (Chan:0 Unit:0 Slot:1) Type: -1 (not-found)\n negative trace acknowledge\n";
 
@@ -37,59 +35,11 @@ std::string try_connect_to(const scripted_daemon& daemon) {
     return "try connect to 127.0.0.1:" + std::to_string(daemon.port()) + "\n";
 }
 
-std::string connected_to(const scripted_daemon& daemon) {
-    return "ifwatch: connected to 127.0.0.1:" + std::to_string(daemon.port()) + "\n";
+/// A run that traces interface 1000 with these options and that error stream.
+outcome trace_with(const held_up_errors& errors, const scripted_daemon& daemon, std::vector<std::string> options) {
+    options.insert(options.end(), {"127.0.0.1", "1000"});
+    return run(errors.of(tracing(daemon, std::move(options))));
 }
-
-/// An error stream that takes some messages and holds the program up at the next one, until it is released.
-class held_up_errors {
-public:
-    held_up_errors() {
-        if (mkfifo(name().c_str(), 0600) != 0 || (pipe_ = open(name().c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC)) < 0) {
-            throw std::runtime_error("cannot make " + name());
-        }
-        size_ = fcntl(pipe_, F_SETPIPE_SZ, 1);  // at least a page
-    }
-    ~held_up_errors() { close(pipe_); }
-    held_up_errors(const held_up_errors&) = delete;
-    held_up_errors& operator=(const held_up_errors&) = delete;
-    held_up_errors(held_up_errors&&) = delete;
-    held_up_errors& operator=(held_up_errors&&) = delete;
-
-    void hold_up_behind(const std::string& messages) {
-        const std::string filling(static_cast<std::size_t>(size_) - messages.size(), '-');
-        if (write(pipe_, filling.data(), filling.size()) != static_cast<ssize_t>(filling.size())) {
-            throw std::runtime_error("cannot fill " + name());
-        }
-    }
-
-    /// Lets the program go on. Returns all that it has written so far.
-    std::string release() {
-        const std::lock_guard lock(mutex_);
-        char block[4096];
-        for (ssize_t count = read(pipe_, block, sizeof block); count > 0; count = read(pipe_, block, sizeof block)) {
-            text_.append(block, static_cast<std::size_t>(count));
-        }
-        text_.erase(0, text_.find_first_not_of('-'));
-        return text_;
-    }
-
-    /// Runs ifwatch with this as its error stream.
-    [[nodiscard]] outcome run_with(const scripted_daemon& daemon, std::vector<std::string> options) const {
-        options.insert(options.begin(), {"-c", R"(exec 2> "$0" "$@")", name(), IFWATCH_PROGRAM, daemon.port_option()});
-        options.insert(options.end(), {"127.0.0.1", "1000"});
-        return run({.program = "sh", .arguments = std::move(options)});
-    }
-
-private:
-    [[nodiscard]] std::string name() const { return directory_.file("errors"); }
-
-    temp_directory directory_;
-    int pipe_ = -1;
-    int size_ = 0;
-    std::mutex mutex_;  // over the next
-    std::string text_;
-};
 
 TEST(broken_connection, refuses_the_trace_request) {
     held_up_errors errors;
@@ -98,7 +48,7 @@ TEST(broken_connection, refuses_the_trace_request) {
         errors.release();
     });
     errors.hold_up_behind("");
-    EXPECT_EQ(errors.run_with(daemon, {}).status, 1);
+    EXPECT_EQ(trace_with(errors, daemon, {}).status, 1);
     EXPECT_EQ(errors.release(), connected_to(daemon) + "ERROR write (Connection reset by peer)\n");
 }
 
@@ -119,7 +69,7 @@ TEST(broken_connection, refuses_the_addinfo_and_version_1_is_tried) {
     const scripted_daemon daemon(breaking_off_behind([](const tcp_peer&) {}, errors));
     const std::string before = try_connect_to(daemon) + connected_to(daemon);
     errors.hold_up_behind(before);
-    EXPECT_EQ(errors.run_with(daemon, {"-vv", "-V2"}).status, 1);
+    EXPECT_EQ(trace_with(errors, daemon, {"-vv", "-V2"}).status, 1);
     EXPECT_EQ(errors.release(),
               before + "written vtrace: V.2, 1/0/0 tlen: -1\nERROR write addinfo (Connection reset by peer)\n" +
                   before + "written vtrace: V.1, 1/0/0 tlen: -1\n" + NO_ACKNOWLEDGE);
@@ -133,7 +83,7 @@ TEST(broken_connection, refuses_the_login_and_version_1_is_tried) {
     };
     const scripted_daemon daemon(breaking_off_behind(challenge, errors));
     errors.hold_up_behind(connected_to(daemon));
-    EXPECT_EQ(errors.run_with(daemon, {"-v", "--pwd=x"}).status, 1);
+    EXPECT_EQ(trace_with(errors, daemon, {"-v", "--pwd=x"}).status, 1);
     EXPECT_EQ(errors.release(), connected_to(daemon) +
                                     "got RVERSION 3\nERROR write addinfo (Connection reset by peer)\n" +
                                     connected_to(daemon) + NO_ACKNOWLEDGE);
@@ -145,22 +95,80 @@ void limit(pid_t program, decltype(RLIMIT_NOFILE) what, rlim_t value) {
     EXPECT_EQ(prlimit(program, what, &wanted, nullptr), 0);
 }
 
-TEST(no_descriptor, refuses_the_second_connection) {
+/// Traces interface 1000 of a daemon that limits what its client may have, behind the trace request. Then it closes;
+/// or, with a channel type to send, it goes on with a session of version 1.
+outcome trace_limited(decltype(RLIMIT_NOFILE) what, rlim_t value, std::vector<std::string> arguments,
+                      std::string& connected, bool acknowledges = true, const std::string& tunables = "") {
     std::promise<pid_t> started;
-    const scripted_daemon daemon([&started](const tcp_peer& client) {
+    const scripted_daemon daemon([&](const tcp_peer& client) {
         client.receive(TRACE_REQUEST_OCTETS);
-        limit(started.get_future().get(), RLIMIT_NOFILE, 3);
+        limit(started.get_future().get(), what, value);
+        if (acknowledges) {
+            client.send({CHANNEL_TYPE_LAN});
+        }
     });
-    // Without descriptors a sanitizer's search for leaks fails, too.
-    process tracer({.program = IFWATCH_PROGRAM,
-                    .arguments = {daemon.port_option(), "127.0.0.1", "1000"},
-                    .environment = {{"ASAN_OPTIONS", "detect_leaks=0"}}});
+    connected = connected_to(daemon);
+    arguments.insert(arguments.end(), {"127.0.0.1", "1000"});
+    command run_of = tracing(daemon, std::move(arguments));
+    // A sanitizer's search for leaks takes descriptors, too.
+    run_of.environment = {{"ASAN_OPTIONS", "detect_leaks=0"}, {"GLIBC_TUNABLES", tunables}};
+    process tracer(run_of);
     started.set_value(tracer.id());
-    const outcome got = tracer.wait();
+    return tracer.wait();
+}
+
+constexpr rlim_t STANDARD_STREAMS = 3;
+constexpr rlim_t AND_THE_CONNECTION = 4;
+
+TEST(no_descriptor, refuses_the_second_connection) {
+    std::string connected;
+    const outcome got = trace_limited(RLIMIT_NOFILE, STANDARD_STREAMS, {}, connected, false);
     EXPECT_EQ(got.status, 1);
-    EXPECT_EQ(got.errors, connected_to(daemon) +
-                              "Ifc:1000 (Chan:0 Unit:0 Slot:1) Type: -1 (not-found)\n missing elem header data\n"
-                              "ERROR socket (Too many open files)\n");
+    EXPECT_EQ(got.errors,
+              connected + report_of(NO_TYPE, "missing elem header data") + "ERROR socket (Too many open files)\n");
+}
+
+TEST(no_descriptor, refuses_the_file) {
+    const temp_directory directory;
+    const std::string name = directory.file("out");
+    std::string connected;
+    const outcome got =
+        trace_limited(RLIMIT_NOFILE, AND_THE_CONNECTION, {"-V1", "--pcap-file", "--ofile=" + name}, connected);
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, connected + report_of("6 (LAN)", "") + "created file: " + name + "\nERROR cannot open " +
+                              name + " (Too many open files)\n");
+}
+
+TEST(no_descriptor, refuses_the_pipe_which_is_removed) {
+    const temp_directory directory;
+    const std::string name = directory.file("out");
+    std::string connected;
+    const outcome got =
+        trace_limited(RLIMIT_NOFILE, AND_THE_CONNECTION, {"-V1", "--pcap-pipe", "--ofile=" + name}, connected);
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, connected + report_of("6 (LAN)", "") + "created pipe: " + name +
+                              "\nstart now e.g.: ethereal -Sk -i " + name + "\nERROR cannot open " + name +
+                              " (Too many open files)\n");
+    struct stat entry {};
+    EXPECT_NE(lstat(name.c_str(), &entry), 0);
+}
+
+TEST(no_descriptor, is_no_trouble_for_records_on_the_terminal) {
+    std::string connected;
+    const outcome got = trace_limited(RLIMIT_NOFILE, AND_THE_CONNECTION, {"-V1"}, connected);
+    EXPECT_EQ(got.status, 0);
+    EXPECT_EQ(got.errors, connected + report_of("6 (LAN)", "") + STREAM_END);
+}
+
+TEST(no_memory, refuses_the_record_buffer) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the address sanitizer has an allocator of its own";
+#endif
+    std::string connected;
+    const outcome got =
+        trace_limited(RLIMIT_AS, 0, {"-V1"}, connected, true, "glibc.malloc.top_pad=0");  // no more than it has
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, connected + report_of("6 (LAN)", "") + "malloc 8192 bytes failed!\n");
 }
 
 /// A file that takes only so many octets.

@@ -9,51 +9,13 @@
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/scripted_daemon.h"
+#include "support/session_script.h"
 
 namespace ifwatch::test {
 namespace {
 
-constexpr std::size_t REQUEST_LENGTH = 20;
-constexpr std::size_t AUTH_REPLY_LENGTH = 13;
-constexpr std::size_t PLAIN_ADDINFO_LENGTH = 8;  // START and the end element
-
-outcome trace(const scripted_daemon& daemon, std::vector<std::string> arguments, const std::string& input = "") {
-    arguments.insert(arguments.begin(), daemon.port_option());
-    return run({.program = IFWATCH_PROGRAM, .arguments = std::move(arguments), .environment = {}, .input = input});
-}
-
-std::string connected_to(const scripted_daemon& daemon) {
-    return "ifwatch: connected to 127.0.0.1:" + std::to_string(daemon.port()) + "\n";
-}
-
-std::string report_of(const std::string& type, const std::string& text) {
-    return "Ifc:1000 (Chan:0 Unit:0 Slot:1) Type: " + type + "\n " + text + "\n";
-}
-
-const std::string NO_TYPE = "-1 (not-found)";
-const std::string STREAM_END = "trc hdr too short! = 0<22\n";
-
-/// Version 3 up to the client's add-info: announces itself, challenges, takes the reply as it is.
-void log_in(const tcp_peer& client, std::size_t addinfo_length = PLAIN_ADDINFO_LENGTH) {
-    client.receive(REQUEST_LENGTH);
-    client.send_element(2, {3});
-    client.send_element(10, {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88});
-    client.receive(AUTH_REPLY_LENGTH + addinfo_length);
-}
-
-/// A version-3 daemon that sends `reply` behind the login and closes.
-scripted_daemon::script replying(std::vector<std::uint8_t> reply) {
-    return [reply = std::move(reply)](const tcp_peer& client) {
-        log_in(client);
-        client.send(reply);
-    };
-}
-
-/// The first word of a trace request.
-int version_of(const std::vector<std::uint8_t>& request) { return request.size() < 4 ? -1 : request[3]; }
-
 TEST(connecting, port_from_the_environment_wins_and_may_be_hexadecimal) {
-    const scripted_daemon daemon([](const tcp_peer& client) { client.receive(REQUEST_LENGTH); });
+    const scripted_daemon daemon([](const tcp_peer& client) { client.receive(TRACE_REQUEST_OCTETS); });
     char hexadecimal[16];
     std::snprintf(hexadecimal, sizeof hexadecimal, "0x%x", static_cast<unsigned>(daemon.port()));
     const outcome got = run({.program = IFWATCH_PROGRAM,
@@ -95,7 +57,7 @@ TEST(connecting, refused) {
 TEST(version_1, acknowledge_octet_is_the_channel_type) {
     std::vector<std::uint8_t> request;
     const scripted_daemon daemon([&request](const tcp_peer& client) {
-        request = client.receive(REQUEST_LENGTH);
+        request = client.receive(TRACE_REQUEST_OCTETS);
         client.send({0xFE});
     });
     const outcome got = trace(daemon, {"-V1", "-r64", "127.0.0.1", "3", "2", "1"});
@@ -105,7 +67,7 @@ TEST(version_1, acknowledge_octet_is_the_channel_type) {
 }
 
 TEST(version_1, without_an_acknowledge_octet) {
-    const scripted_daemon daemon([](const tcp_peer& client) { client.receive(REQUEST_LENGTH); });
+    const scripted_daemon daemon([](const tcp_peer& client) { client.receive(TRACE_REQUEST_OCTETS); });
     const outcome got = trace(daemon, {"-V1", "127.0.0.1", "1000"});
     EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "negative trace acknowledge"));
     EXPECT_EQ(got.status, 1);
@@ -114,14 +76,14 @@ TEST(version_1, without_an_acknowledge_octet) {
 TEST(version_2, sends_the_addinfo_without_a_login) {
     std::vector<std::uint8_t> sent;
     const scripted_daemon daemon([&sent](const tcp_peer& client) {
-        sent = client.receive(REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH);
+        sent = client.receive(TRACE_REQUEST_OCTETS + PLAIN_ADDINFO_LENGTH);
         client.send_element(1, {6});
         client.send_element(0);
     });
     const outcome got = trace(daemon, {"-V2", "127.0.0.1", "1000"});
-    ASSERT_EQ(sent.size(), REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH);
+    ASSERT_EQ(sent.size(), TRACE_REQUEST_OCTETS + PLAIN_ADDINFO_LENGTH);
     EXPECT_EQ(version_of(sent), 2);
-    EXPECT_EQ(std::vector<std::uint8_t>(sent.begin() + REQUEST_LENGTH, sent.end()),
+    EXPECT_EQ(std::vector<std::uint8_t>(sent.begin() + TRACE_REQUEST_OCTETS, sent.end()),
               (std::vector<std::uint8_t>{0, 0, 0, 3, 0, 0, 0, 0}));
     EXPECT_EQ(got.errors, connected_to(daemon) + report_of("6 (LAN)", "") + STREAM_END);
     EXPECT_EQ(got.status, 0);
@@ -130,7 +92,7 @@ TEST(version_2, sends_the_addinfo_without_a_login) {
 TEST(version_2, zero_and_negative_versions_go_its_way) {
     for (const std::string version : {"-V0", "-V-5"}) {
         const scripted_daemon daemon([](const tcp_peer& client) {
-            client.receive(REQUEST_LENGTH);  // below 2 a request without filters has no add-info
+            client.receive(TRACE_REQUEST_OCTETS);  // below 2 a request without filters has no add-info
             client.send_element(0);
         });
         EXPECT_EQ(trace(daemon, {version, "127.0.0.1", "1000"}).status, 0) << version;
@@ -140,7 +102,7 @@ TEST(version_2, zero_and_negative_versions_go_its_way) {
 TEST(version_3, logs_in_with_the_digest_of_the_password) {
     std::vector<std::uint8_t> reply;
     const scripted_daemon daemon([&reply](const tcp_peer& client) {
-        client.receive(REQUEST_LENGTH);
+        client.receive(TRACE_REQUEST_OCTETS);
         client.send_element(2, {3});
         client.send_element(10, {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88});
         reply = client.receive(AUTH_REPLY_LENGTH);
@@ -191,11 +153,11 @@ TEST(version_3, tells_less_at_lower_levels) {
 TEST(version_3, without_its_version_the_client_falls_back_to_version_1) {
     std::atomic<int> second_version = -1;
     const scripted_daemon daemon({[](const tcp_peer& client) {
-                                      client.receive(REQUEST_LENGTH);
+                                      client.receive(TRACE_REQUEST_OCTETS);
                                       client.send_element(2, {3, 0});
                                   },
                                   [&second_version](const tcp_peer& client) {
-                                      second_version = version_of(client.receive(REQUEST_LENGTH));
+                                      second_version = version_of(client.receive(TRACE_REQUEST_OCTETS));
                                       client.send({6});
                                   }});
     const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
@@ -209,7 +171,7 @@ TEST(version_3, a_second_failure_is_final) {
     std::atomic<int> connections = 0;
     const scripted_daemon daemon([&connections](const tcp_peer& client) {
         ++connections;
-        client.receive(REQUEST_LENGTH);
+        client.receive(TRACE_REQUEST_OCTETS);
     });
     const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
     EXPECT_EQ(connections, 2);
@@ -220,7 +182,7 @@ TEST(version_3, a_second_failure_is_final) {
 
 TEST(version_3, without_a_challenge) {
     const scripted_daemon daemon([](const tcp_peer& client) {
-        if (version_of(client.receive(REQUEST_LENGTH)) == 3) {
+        if (version_of(client.receive(TRACE_REQUEST_OCTETS)) == 3) {
             client.send_element(2, {3});
             client.send_element(1, {6});
         }
@@ -233,7 +195,7 @@ TEST(version_3, without_a_challenge) {
 TEST(version_3, a_short_challenge_is_filled_with_zeros) {
     std::vector<std::uint8_t> reply;
     const scripted_daemon daemon([&reply](const tcp_peer& client) {
-        client.receive(REQUEST_LENGTH);
+        client.receive(TRACE_REQUEST_OCTETS);
         client.send_element(2, {3});
         client.send_element(10, std::initializer_list<int>{});
         reply = client.receive(AUTH_REPLY_LENGTH);
@@ -252,7 +214,7 @@ TEST(reply, another_version_is_tried_when_the_daemon_asks_for_it) {
                                   },
                                   [&second_version](const tcp_peer& client) {
                                       second_version =
-                                          version_of(client.receive(REQUEST_LENGTH + PLAIN_ADDINFO_LENGTH));
+                                          version_of(client.receive(TRACE_REQUEST_OCTETS + PLAIN_ADDINFO_LENGTH));
                                       client.send_element(1, {1});
                                       client.send_element(0);
                                   }});
@@ -340,7 +302,7 @@ TEST(list, shows_every_interface_and_ends_with_the_stream) {
     std::vector<std::uint8_t> addinfo;
     std::vector<std::uint8_t> request;
     const scripted_daemon daemon([&](const tcp_peer& client) {
-        request = client.receive(REQUEST_LENGTH);
+        request = client.receive(TRACE_REQUEST_OCTETS);
         client.send_element(2, {3});
         client.send_element(10, {1, 1, 2, 3, 4, 5, 6, 7, 8});
         client.receive(AUTH_REPLY_LENGTH);
@@ -372,100 +334,6 @@ TEST(list, a_failure_prints_only_its_text) {
     const scripted_daemon daemon(replying({0, 0, 4, 5, 'b', 'u', 's', 'y'}));
     const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1"});
     EXPECT_EQ(got.errors, connected_to(daemon) + " busy\n");
-    EXPECT_EQ(got.status, 1);
-}
-
-TEST(password, is_asked_for_and_cut_at_31_characters) {
-    std::vector<std::uint8_t> reply;
-    const scripted_daemon daemon([&reply](const tcp_peer& client) {
-        client.receive(REQUEST_LENGTH);
-        client.send_element(2, {3});
-        client.send_element(10, {1, 0, 0, 0, 0, 0, 0, 0, 0});
-        reply = client.receive(AUTH_REPLY_LENGTH);
-        client.send_element(0);
-    });
-    const std::string cut = "0123456789012345678901234567890";
-    const outcome got = trace(daemon, {"-vvv", "127.0.0.1", "1000"}, cut + "tail\nmore\n");
-    EXPECT_NE(got.errors.find("Enter remote password: got AUTH random"), std::string::npos) << got.errors;
-    EXPECT_EQ(got.output.substr(0, got.output.find('\n') + 1), "pwd:" + cut + ". (31)\n");
-    const auto asked = reply;
-    trace(daemon, {"--pwd=" + cut, "127.0.0.1", "1000"});
-    EXPECT_EQ(reply, asked);
-}
-
-TEST(password, empty_at_the_end_of_input_and_stripped_of_its_line_end) {
-    const scripted_daemon daemon(replying({0, 0, 0, 0}));
-    EXPECT_EQ(trace(daemon, {"-vvv", "127.0.0.1", "1000"}, "").output.substr(0, 10), "pwd:. (0)\n");
-    EXPECT_EQ(trace(daemon, {"-vvv", "127.0.0.1", "1000"}, "abc\r\n").output.substr(0, 13), "pwd:abc. (3)\n");
-}
-
-TEST(password, from_the_environment) {
-    const scripted_daemon daemon(replying({0, 0, 0, 0}));
-    const outcome got = run({.program = IFWATCH_PROGRAM,
-                             .arguments = {daemon.port_option(), "127.0.0.1", "1000"},
-                             .environment = {{"TRACE_PWD", "secret"}}});
-    EXPECT_EQ(got.errors,
-              connected_to(daemon) + "using environ $TRACE_PWD as password\n" + report_of(NO_TYPE, "") + STREAM_END);
-    const outcome given = run({.program = IFWATCH_PROGRAM,
-                               .arguments = {daemon.port_option(), "--pwd=x", "127.0.0.1", "1000"},
-                               .environment = {{"TRACE_PWD", "secret"}}});
-    EXPECT_EQ(given.errors, connected_to(daemon) + report_of(NO_TYPE, "") + STREAM_END);
-}
-
-TEST(channel_test, prints_a_line_for_each_unit_that_answers) {
-    // Slot 2 has one unit with channels 0 and 1; slot 5 answers for units 0 and 1, channel 0 only.
-    const scripted_daemon daemon([](const tcp_peer& client) {
-        const auto request = client.receive(REQUEST_LENGTH);
-        if (request.size() < REQUEST_LENGTH) {
-            return;
-        }
-        const int slot = request[7];
-        const int unit = request[11];
-        const int channel = request[15];
-        if ((slot == 2 && unit == 20) || (slot == 2 && unit == 0 && channel <= 1)) {
-            client.send({channel});
-        } else if (slot == 5 && unit < 2 && channel == 0) {
-            client.send({0xFE});
-        }
-    });
-    for (const std::string version : {"-V1", "-V2"}) {
-        const outcome got = trace(daemon, {version, "127.0.0.1"});
-        EXPECT_EQ(got.output,
-                  "Testing available trace channels:\nChMax Unit Slot ChType\n"
-                  "    1    0    2  -  1\n"
-                  "    0    0    5  -  -2\n"
-                  "    0    1    5  -  -2\n");
-        EXPECT_EQ(got.errors, "");
-        EXPECT_EQ(got.status, 1);
-    }
-}
-
-TEST(channel_test, shows_its_requests_at_higher_verbosity) {
-    std::vector<std::uint8_t> first;
-    const scripted_daemon daemon([&first](const tcp_peer& client) {
-        const auto request = client.receive(REQUEST_LENGTH);
-        if (first.empty()) {
-            first = request;
-        }
-    });
-    const outcome got = trace(daemon, {"-vv", "-V1", "127.0.0.1"});
-    EXPECT_EQ(version_of(first), 3) << "the request names the version of the target block, whatever was asked for";
-    const std::string attempt =
-        "try connect to 127.0.0.1:" + std::to_string(daemon.port()) + "\n" + connected_to(daemon);
-    EXPECT_EQ(got.errors.substr(0, 2 * attempt.size() + 36),
-              attempt + attempt + "written vtrace: V.3, 0/20/0 tlen: -1");
-}
-
-TEST(channel_test, an_unreachable_router_prints_only_the_error) {
-    int free_port = 0;
-    {
-        const scripted_daemon gone([](const tcp_peer&) {});
-        free_port = gone.port();
-    }
-    const outcome got =
-        run({.program = IFWATCH_PROGRAM, .arguments = {"-V2", "-P" + std::to_string(free_port), "127.0.0.1"}});
-    EXPECT_EQ(got.output, "");
-    EXPECT_EQ(got.errors, "ERROR connect (Connection refused)\n");
     EXPECT_EQ(got.status, 1);
 }
 

@@ -97,7 +97,9 @@ process::process(const command& what) : timeout_(what.timeout) {
         reaped_ = true;
         return;
     }
-    const int problem = spawn(what, {input[0], output[1], errors[1]}, id_);
+    const int standard_input = what.input_fd >= 0 ? what.input_fd : input[0];
+    const int standard_output = what.output_fd >= 0 ? what.output_fd : output[1];
+    const int problem = spawn(what, {standard_input, standard_output, errors[1]}, id_);
     close(input[0]);
     close(output[1]);
     close(errors[1]);

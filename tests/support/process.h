@@ -17,6 +17,8 @@ struct command {
     std::vector<std::pair<std::string, std::string>> environment = {};
     std::string input = {};  // its standard input, closed behind it
     std::chrono::milliseconds timeout = std::chrono::seconds(10);
+    int input_fd = -1;   // of the caller, to be its standard input instead
+    int output_fd = -1;  // of the caller, to be its standard output: the outcome then has none
 };
 
 /// How a program ended and what it wrote.

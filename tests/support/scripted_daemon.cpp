@@ -1,6 +1,7 @@
 #include "support/scripted_daemon.h"
 
 #include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -25,6 +26,12 @@ int open_loopback(int& port) {
     }
     port = ntohs(address.sin_port);
     return listener;
+}
+
+/// What a script sends is to be on its way before it goes on, also when it then breaks the connection off.
+void send_at_once(int socket) {
+    const int on = 1;
+    setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
 }
 
 /// What was sent must reach a client that has written more than the script read, so the close comes behind its own.
@@ -67,6 +74,7 @@ void scripted_daemon::serve() {
                 break;
             }
         }
+        send_at_once(socket);
         tcp_peer client(socket);
         scripts_[std::min(i, scripts_.size() - 1)](client);
         close_gently(socket);
