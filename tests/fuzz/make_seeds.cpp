@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "sim/capture.h"
 #include "sim/case_file.h"
 #include "sim/record_source.h"
 #include "support/case_options.h"
@@ -123,6 +124,14 @@ bool write_case_seeds(const seed_place& place, const trace_case& trace) {
     return written;
 }
 
+/// A PCAP file behind the octet that pcap_import_fuzz reads; empty for a case that has no link type.
+std::string capture_seed(const trace_case& trace) {
+    std::vector<std::uint8_t> file{0};
+    std::size_t left_out = 0;
+    std::string error;
+    return export_capture(trace, {}, file, left_out, error) ? std::string(file.begin(), file.end()) : std::string();
+}
+
 bool write_seeds(const std::filesystem::path& directory, const std::filesystem::path& path) {
     trace_case trace;
     std::string error;
@@ -134,7 +143,8 @@ bool write_seeds(const std::filesystem::path& directory, const std::filesystem::
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();
     return write_seed(place, "case_file_fuzz", text.str()) &&
-           write_seed(place, "element_fuzz", daemon_octets(trace, 3)) && write_case_seeds(place, trace);
+           write_seed(place, "element_fuzz", daemon_octets(trace, 3)) &&
+           write_seed(place, "pcap_import_fuzz", capture_seed(trace)) && write_case_seeds(place, trace);
 }
 
 /// What no case has in its options lines.
