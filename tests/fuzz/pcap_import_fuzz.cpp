@@ -21,7 +21,6 @@ namespace {
 using namespace ifwatch::sim;
 using ifwatch::fuzz::require;
 
-constexpr std::uint32_t ORIGINAL_LENGTH_MAXIMUM = 0xFFFF;
 constexpr std::array<int, 16> CHANNEL_TYPES = {0, -2, 0, 1, 2, 3, 4, 6, 7, 9, 16, 32, 118, 131, 135, 200};
 
 import_settings settings_of(std::uint8_t choice) {
