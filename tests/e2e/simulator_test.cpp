@@ -1,5 +1,5 @@
-#include "support/programs.h"
 #include "support/simulator.h"
+#include "support/programs.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -419,14 +419,24 @@ TEST(simulator, names_mistakes_in_one_line) {
     const std::string bad = directory.write("bad.case", "channel 0\nrecord Q 1\n");
     const std::pair<std::vector<std::string>, std::string> mistakes[] = {
         {{}, "no case file given (--help tells more)"},
-        {{"--nonsense", good}, "unknown option or missing argument: '--nonsense' (--help tells more)"},
+        {{"--nonsense", good}, "unknown option '--nonsense' (--help tells more)"},
+        {{"-xv", good}, "unknown option '-x' (--help tells more)"},
+        {{"--once=1", good}, "--once takes no argument (--help tells more)"},
+        {{good, "--port"}, "--port takes a port from 0 to 65535, and none is given (--help tells more)"},
+        {{"--fault", "drip", "--fault", "cut=1", good},
+         "--fault takes one of cut=N, drip, silence=N, length=record:N:LENGTH and length=element:TYPE:LENGTH, once, "
+         "not 'cut=1' (--help tells more)"},
+        {{"--pace", "2", "--rate", "3", good}, "--pace and --rate exclude each other (--help tells more)"},
+        {{"--port", "7\n8", good}, "--port takes a port from 0 to 65535, not '7\\n8' (--help tells more)"},
         {{"--pace", "fast", good}, "--pace takes real or a factor above 0, not 'fast' (--help tells more)"},
         {{"--version", "4", good}, "--version takes 1, 2 or 3, not '4' (--help tells more)"},
         {{"--listen", "nowhere", "--port", "0", good}, "--listen takes an IPv4 address, not 'nowhere'"},
         {{bad}, bad + ":2: record takes R (received) or X (sent), not 'Q'"},
         {{directory.file("none.case")}, directory.file("none.case") + ": No such file or directory"},
-        {{good, other}, good + ": several cases need an interface line each"},
-        {{other, again}, again + ": interface 2000 is already that of " + other},
+        {{good, other}, good + ":1: several cases need an interface line each"},
+        {{"--port-file", directory.path() + "/none/port", "--port", "0", good},
+         directory.path() + "/none/port: No such file or directory"},
+        {{other, again}, again + ":2: interface 2000 is already that of " + other},
     };
     for (const auto& [arguments, error] : mistakes) {
         const outcome refused = run_sim(arguments);
