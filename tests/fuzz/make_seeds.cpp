@@ -1,6 +1,7 @@
 // Writes golden cases and samples as inputs for the fuzz targets to start from: make_seeds DIRECTORY CASE...
 // DIRECTORY/TARGET/ gets what TARGET reads; one seed for each options line of a case.
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -16,6 +17,7 @@
 #include "support/case_options.h"
 #include "trace/auth.h"
 #include "trace/element.h"
+#include "trace/record_stream.h"
 
 namespace {
 
@@ -69,6 +71,22 @@ std::string trace_seed(const trace_case& trace, std::uint32_t mode_flags) {
     return seed;
 }
 
+/// The case with its longest record made as long as a record can be, by repeating it.
+trace_case lengthened(const trace_case& trace) {
+    trace_case result = trace;
+    const auto longest =
+        std::ranges::max_element(trace.records, {}, [](const sim::case_record& record) { return record.data.size(); });
+    result.records.clear();
+    if (longest != trace.records.end() && !longest->data.empty()) {
+        sim::case_record& record = result.records.emplace_back(*longest);
+        while (record.data.size() < RECORD_DATA_MAXIMUM) {
+            record.data.insert(record.data.end(), longest->data.begin(), longest->data.end());
+        }
+        record.data.resize(RECORD_DATA_MAXIMUM);
+    }
+    return result;
+}
+
 /// All that a daemon of this version sends.
 std::string daemon_octets(const trace_case& trace, int version) {
     std::string sent;
@@ -117,7 +135,9 @@ bool write_case_seeds(const seed_place& place, const trace_case& trace) {
         const seed_place numbered{place.directory, place.name + "-" + std::to_string(i)};
         const std::uint32_t mode_flags = test::mode_flags_of(trace.options[i]);
         const int version = static_cast<int>(i % 3) + 1;
+        const seed_place longer{place.directory, numbered.name + "-long"};
         written = written && write_seed(numbered, "record_fuzz", trace_seed(trace, mode_flags)) &&
+                  write_seed(longer, "record_fuzz", trace_seed(lengthened(trace), mode_flags)) &&
                   write_seed(numbered, "session_fuzz", session_seed(trace, version, mode_flags)) &&
                   write_seed(numbered, "options_fuzz", command_line_seed(trace.options[i]));
     }
