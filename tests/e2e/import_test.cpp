@@ -214,8 +214,9 @@ public:
         address_.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         socklen_t length = sizeof address_;
         // The socket calls take every kind of address as a sockaddr.
-        bind(socket_, reinterpret_cast<sockaddr*>(&address_), length);
-        getsockname(socket_, reinterpret_cast<sockaddr*>(&address_), &length);
+        auto* const generic = reinterpret_cast<sockaddr*>(&address_);
+        EXPECT_EQ(bind(socket_, generic, length), 0);
+        EXPECT_EQ(getsockname(socket_, generic, &length), 0);
     }
     ~own_datagrams() { close(socket_); }
     own_datagrams(const own_datagrams&) = delete;

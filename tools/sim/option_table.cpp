@@ -74,7 +74,7 @@ int option_walk::next() {
     return MISTAKE;
 }
 
-std::string option_walk::argument() const { return optarg != nullptr ? optarg : ""; }
+std::string option_walk::argument() { return optarg != nullptr ? optarg : ""; }
 
 std::string option_walk::mistake() const { return mistake_; }
 

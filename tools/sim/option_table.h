@@ -34,9 +34,9 @@ public:
     /// argument or has one that it does not take.
     int next();
 
-    [[nodiscard]] std::string argument() const;               // of the option
+    [[nodiscard]] static std::string argument();              // of the option
     [[nodiscard]] std::string mistake() const;                // what is wrong, in one line
-    [[nodiscard]] std::vector<std::string> operands() const;  // behind the last option
+    [[nodiscard]] std::vector<std::string> operands() const;  // what is no option, behind the last
 
 private:
     int argc_;
@@ -65,8 +65,9 @@ bool apply_options(int argc, char** argv, std::span<const known_option<Settings>
         if (help) {
             return true;
         }
-        if (!known.apply(walk.argument(), settings)) {
-            error = "--" + std::string(known.name) + " takes " + known.takes + ", not '" + walk.argument() + "'";
+        if (!known.apply(option_walk::argument(), settings)) {
+            error =
+                "--" + std::string(known.name) + " takes " + known.takes + ", not '" + option_walk::argument() + "'";
             return false;
         }
     }
