@@ -1,5 +1,5 @@
-#include "support/programs.h"
 #include "support/simulator.h"
+#include "support/programs.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -399,50 +399,6 @@ TEST(simulator, writes_its_port_into_a_file) {
     std::string text;
     ASSERT_TRUE(read_file(directory.file("port"), text));
     EXPECT_EQ(text, std::to_string(sim.port()) + "\n");
-}
-
-outcome run_sim(const std::vector<std::string>& arguments) { return run({IFWATCH_SIM_PROGRAM, arguments}); }
-
-TEST(simulator, helps) {
-    const outcome helped = run_sim({"--help"});
-    EXPECT_EQ(helped.status, 0);
-    EXPECT_TRUE(helped.output.starts_with("ifwatch-sim: ")) << helped.output;
-    EXPECT_HOLDS(helped.output, "Examples:\n");
-    EXPECT_EQ(helped.errors, "");
-}
-
-TEST(simulator, names_mistakes_in_one_line) {
-    const temp_directory directory;
-    const std::string good = directory.write("good.case", THREE_FRAMES);
-    const std::string other = directory.write("other.case", LAN_LIST_ENTRY);
-    const std::string again = directory.write("again.case", LAN_LIST_ENTRY);
-    const std::string bad = directory.write("bad.case", "channel 0\nrecord Q 1\n");
-    const std::pair<std::vector<std::string>, std::string> mistakes[] = {
-        {{}, "no case file given (--help tells more)"},
-        {{"--nonsense", good}, "unknown option or missing argument: '--nonsense' (--help tells more)"},
-        {{"--pace", "fast", good}, "--pace takes real or a factor above 0, not 'fast' (--help tells more)"},
-        {{"--version", "4", good}, "--version takes 1, 2 or 3, not '4' (--help tells more)"},
-        {{"--listen", "nowhere", "--port", "0", good}, "--listen takes an IPv4 address, not 'nowhere'"},
-        {{bad}, bad + ":2: record takes R (received) or X (sent), not 'Q'"},
-        {{directory.file("none.case")}, directory.file("none.case") + ": No such file or directory"},
-        {{good, other}, good + ": several cases need an interface line each"},
-        {{other, again}, again + ": interface 2000 is already that of " + other},
-    };
-    for (const auto& [arguments, error] : mistakes) {
-        const outcome refused = run_sim(arguments);
-        EXPECT_EQ(refused.status, 2) << error;
-        EXPECT_EQ(refused.errors, "ifwatch-sim: " + error + "\n");
-        EXPECT_EQ(refused.output, "");
-    }
-}
-
-TEST(simulator, says_when_the_port_is_taken) {
-    const temp_directory directory;
-    const simulator sim({THREE_FRAMES});
-    const std::string port = std::to_string(sim.port());
-    const outcome refused = run_sim({"--port", port, directory.write("a.case", THREE_FRAMES)});
-    EXPECT_EQ(refused.status, 2);
-    EXPECT_EQ(refused.errors, "ifwatch-sim: 127.0.0.1:" + port + ": Address already in use\n");
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ std::string_view take_word(std::string_view& rest) {
 /// The state of the parser between two lines.
 struct case_parser {
     trace_case& parsed;
-    bool has_channel = false;
+    int line = 0;               // counted from 1
     bool has_original = false;  // of the last record
 };
 
@@ -48,10 +48,10 @@ problem parse_channel(case_parser& parser, std::string_view rest) {
     if (!value) {
         return "channel takes the code of a channel type, not " + quoted(rest);
     }
-    if (parser.has_channel) {
+    if (parser.parsed.channel_line != 0) {
         return "a second channel line";
     }
-    parser.has_channel = true;
+    parser.parsed.channel_line = parser.line;
     parser.parsed.channel_type = static_cast<int>(*value);
     return {};
 }
@@ -64,6 +64,7 @@ problem parse_interface(case_parser& parser, std::string_view rest) {
     if (parser.parsed.interface_index) {
         return "a second interface line";
     }
+    parser.parsed.interface_line = parser.line;
     parser.parsed.interface_index = static_cast<std::uint32_t>(*value);
     return {};
 }
@@ -178,18 +179,17 @@ problem parse_line(case_parser& parser, std::string_view line) {
 
 bool parse_case(std::string_view text, trace_case& parsed, std::string& error) {
     case_parser parser{parsed};
-    int number = 0;
     problem wrong;
     while (!text.empty() && wrong.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
         text.remove_prefix(line.size() < text.size() ? line.size() + 1 : line.size());
-        ++number;
+        ++parser.line;
         wrong = parse_line(parser, line);
     }
-    if (wrong.empty() && !parser.has_channel) {
+    if (wrong.empty() && parsed.channel_line == 0) {
         wrong = "the channel line is missing";
     }
-    error = wrong.empty() ? std::string() : std::to_string(std::max(number, 1)) + ": " + wrong;
+    error = wrong.empty() ? std::string() : std::to_string(std::max(parser.line, 1)) + ": " + wrong;
     return wrong.empty();
 }
 

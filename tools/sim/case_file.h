@@ -31,11 +31,15 @@ struct case_record {
     std::uint32_t sequence = 0;
     std::uint16_t original_length = 0;
     std::vector<std::uint8_t> data;
+
+    bool operator==(const case_record&) const = default;
 };
 
 /// One interface and the frames that cross it.
 struct trace_case {
     std::string path;
+    int channel_line = 0;  // where it says so; 0: nowhere
+    int interface_line = 0;
     std::string name;
     int channel_type = 0;
     std::optional<std::uint32_t> interface_index;

@@ -25,6 +25,9 @@ namespace {
 constexpr std::uint32_t DEFAULT_INTERFACE = 1000;
 constexpr int TIDY_INTERVAL_MS = 500;
 
+/// "lan.case:3", for a message.
+std::string place(const trace_case& served, int line) { return served.path + ":" + std::to_string(line); }
+
 bool by_interface(const trace_case& a, const trace_case& b) { return *a.interface_index < *b.interface_index; }
 
 /// One client being served. The descriptor is closed when the thread has been joined, so that it cannot be reused
@@ -149,7 +152,7 @@ bool assign_interfaces(std::vector<trace_case>& cases, std::string& error) {
     }
     for (const trace_case& served : cases) {
         if (!served.interface_index) {
-            error = served.path + ": several cases need an interface line each";
+            error = place(served, served.channel_line) + ": several cases need an interface line each";
             return false;
         }
     }
@@ -158,8 +161,8 @@ bool assign_interfaces(std::vector<trace_case>& cases, std::string& error) {
         return *a.interface_index == *b.interface_index;
     });
     if (twice != cases.end()) {
-        error = std::next(twice)->path + ": interface " + std::to_string(*twice->interface_index) +
-                " is already that of " + twice->path;
+        error = place(*std::next(twice), std::next(twice)->interface_line) + ": interface " +
+                std::to_string(*twice->interface_index) + " is already that of " + twice->path;
     }
     return twice == cases.end();
 }

@@ -10,7 +10,7 @@
 namespace ifwatch::sim {
 
 /// Gives a case without an interface line the index 1000 when it is the only one, and sorts the cases by index. False
-/// when an index is missing or given twice, with a one-line `error` that names the file.
+/// when an index is missing or given twice, with a one-line `error` that names file and line.
 bool assign_interfaces(std::vector<trace_case>& cases, std::string& error);
 
 /// Opens the listening socket of the setup. Returns it and the port chosen; -1 with a one-line `error`.

@@ -64,24 +64,6 @@ bool parse_session(std::string_view text, ip_session& session) {
            parse_number_field(fields[4], 0xFFFF, session.destination_port);
 }
 
-/// Twelve hexadecimal digits, with or without colons, dashes or points between them.
-bool parse_mac(std::string_view text, mac_address& address) {
-    std::string digits;
-    std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
-                 [](char c) { return c != ':' && c != '-' && c != '.'; });
-    if (digits.size() != 2 * address.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < address.size(); ++i) {
-        const auto octet = parse_number("0x" + digits.substr(2 * i, 2), 0, 0xFF);
-        if (!octet) {
-            return false;
-        }
-        address[i] = static_cast<std::uint8_t>(*octet);
-    }
-    return true;
-}
-
 bool parse_term(const filter_entry& entry, filter_term& term) {
     std::string_view text = entry.text;
     term.kind = entry.kind;
@@ -144,6 +126,23 @@ bool fits_term(const filter_term& term, const frame_fields& fields) {
 }
 
 }  // namespace
+
+bool parse_mac(std::string_view text, mac_address& address) {
+    std::string digits;
+    std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
+                 [](char c) { return c != ':' && c != '-' && c != '.'; });
+    if (digits.size() != 2 * address.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < address.size(); ++i) {
+        const auto octet = parse_number("0x" + digits.substr(2 * i, 2), 0, 0xFF);
+        if (!octet) {
+            return false;
+        }
+        address[i] = static_cast<std::uint8_t>(*octet);
+    }
+    return true;
+}
 
 bool build_filter(std::span<const filter_entry> entries, frame_filter& filter, std::string& error) {
     bool new_group = true;

@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "sim/frame_fields.h"
@@ -37,6 +38,9 @@ struct filter_term {
 struct frame_filter {
     std::vector<std::vector<filter_term>> groups;
 };
+
+/// Reads a MAC address: twelve hexadecimal digits, with or without colons, dashes or points between them.
+bool parse_mac(std::string_view text, mac_address& address);
 
 /// Makes a filter of the entries of one session, in their order. On a mistake false, with a one-line `error`. A host
 /// that is not given as an address is looked up by name. A joiner with nothing on one side joins nothing.

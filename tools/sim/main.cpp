@@ -6,16 +6,21 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "sim/case_file.h"
+#include "sim/convert.h"
 #include "sim/daemon.h"
 #include "sim/options.h"
+#include "sim/output_file.h"
+#include "sim/text_parts.h"
 
 namespace {
 
 using ifwatch::sim::sim_options;
 using ifwatch::sim::trace_case;
+using ifwatch::sim::write_output;
 
 constexpr int STATUS_MISTAKE = 2;
 
@@ -28,8 +33,13 @@ extern "C" void on_signal(int /*signal*/) {
     errno = saved;
 }
 
+/// One line on the error stream.
+void say(const std::string& text) {
+    static_cast<void>(std::fprintf(stderr, "ifwatch-sim: %s\n", ifwatch::sim::on_one_line(text).c_str()));
+}
+
 int fail(const std::string& error) {
-    static_cast<void>(std::fprintf(stderr, "ifwatch-sim: %s\n", error.c_str()));
+    say(error);
     return STATUS_MISTAKE;
 }
 
@@ -49,30 +59,9 @@ bool load_cases(const std::vector<std::string>& paths, std::vector<trace_case>& 
     return assign_interfaces(cases, error);
 }
 
-/// The file appears whole: whoever waits for it never reads a part.
-bool write_port_file(const std::string& path, std::uint16_t port, std::string& error) {
-    const std::string unfinished = path + ".new";
-    std::FILE* const file = std::fopen(unfinished.c_str(), "w");
-    const bool written = file != nullptr && std::fprintf(file, "%d\n", port) > 0;
-    const bool closed = file != nullptr && std::fclose(file) == 0;
-    if (!written || !closed || std::rename(unfinished.c_str(), path.c_str()) != 0) {
-        error = path + ": " + std::strerror(errno);
-        return false;
-    }
-    return true;
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-    sim_options options;
+/// Serves the cases until the sessions asked for are over or a signal comes. Returns the exit status.
+int serve(const sim_options& options) {
     std::string error;
-    if (!parse_options(argc, argv, options, error)) {
-        return fail(error + " (--help tells more)");
-    }
-    if (options.help) {
-        return std::fputs(ifwatch::sim::help_text(), stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
-    }
     std::vector<trace_case> cases;
     if (!load_cases(options.cases, cases, error)) {
         return fail(error);
@@ -82,7 +71,9 @@ int main(int argc, char** argv) {
     }
     std::uint16_t port = 0;
     const int listener = open_listener(options.setup, port, error);
-    if (listener < 0 || (!options.setup.port_file.empty() && !write_port_file(options.setup.port_file, port, error))) {
+    // Whoever waits for the file with the port never reads a part of it.
+    if (listener < 0 || (!options.setup.port_file.empty() &&
+                         !write_output(options.setup.port_file, std::to_string(port) + "\n", error))) {
         return fail(error);
     }
     if (std::printf("listening on %s:%d\n", options.setup.listen.c_str(), port) < 0 || std::fflush(stdout) != 0) {
@@ -91,4 +82,33 @@ int main(int argc, char** argv) {
     serve_clients(listener, stop_pipe[0], options.setup, cases);
     close(listener);
     return 0;
+}
+
+int run_conversion(int argc, char** argv) {
+    std::string note;
+    std::string error;
+    if (!ifwatch::sim::convert(argc, argv, note, error)) {
+        return fail(error);
+    }
+    if (!note.empty()) {
+        say(note);
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (ifwatch::sim::asks_for_conversion(argc, argv)) {
+        return run_conversion(argc, argv);
+    }
+    sim_options options;
+    std::string error;
+    if (!parse_options(argc, argv, options, error)) {
+        return fail(error + " (--help tells more)");
+    }
+    if (options.help) {
+        return write_output("", std::string_view(ifwatch::sim::help_text()), error) ? 0 : fail(error);
+    }
+    return serve(options);
 }

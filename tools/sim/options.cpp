@@ -1,12 +1,12 @@
 #include "sim/options.h"
 
-#include <getopt.h>
-
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <span>
 #include <string_view>
 
+#include "sim/option_table.h"
 #include "sim/text_parts.h"
 
 namespace ifwatch::sim {
@@ -98,57 +98,34 @@ bool set_once(const std::string& /*text*/, daemon_setup& setup) {
     setup.sessions = 1;
     return true;
 }
-bool set_fault(const std::string& text, daemon_setup& setup) { return parse_fault(text, setup.trouble); }
+bool set_fault(const std::string& text, daemon_setup& setup) {
+    const bool first = setup.trouble.kind == fault_kind::NONE;
+    return parse_fault(text, setup.trouble) && first;
+}
 bool set_verbose(const std::string& /*text*/, daemon_setup& setup) {
     setup.verbose = true;
     return true;
 }
 
-struct known_option {
-    const char* name;
-    bool (*apply)(const std::string& text, daemon_setup& setup);
-    const char* takes;  // nullptr: no argument
+constexpr known_option<daemon_setup> OPTIONS[] = {
+    {"listen", 0, set_listen, "an IPv4 address"},
+    {"port", 0, parse_port, "a port from 0 to 65535"},
+    {"port-file", 0, set_port_file, "a file name"},
+    {"password", 0, set_password, "a text"},
+    {"version", 0, parse_version, "1, 2 or 3"},
+    {"refuse", 0, set_refusal, "reply, close or serve"},
+    {"error", 0, set_error, "a text"},
+    {"close-after", 0, set_close_after, "connect, request, version, challenge, login, addinfo, chantype or reply"},
+    {"pace", 0, set_pace, "real or a factor above 0"},
+    {"rate", 0, set_rate, "a number of records a second above 0"},
+    {"loop", 0, set_loop, "a number of rounds, 0 for no end"},
+    {"sessions", 0, set_sessions, "a number of sessions"},
+    {"once", 0, set_once, nullptr},
+    {"fault", 0, set_fault,
+     "one of cut=N, drip, silence=N, length=record:N:LENGTH and length=element:TYPE:LENGTH, once"},
+    {"verbose", 'v', set_verbose, nullptr},
+    {"help", 'h', nullptr, nullptr},
 };
-
-constexpr known_option OPTIONS[] = {
-    {"listen", set_listen, "an IPv4 address"},
-    {"port", parse_port, "a port from 0 to 65535"},
-    {"port-file", set_port_file, "a file name"},
-    {"password", set_password, "a text"},
-    {"version", parse_version, "1, 2 or 3"},
-    {"refuse", set_refusal, "reply, close or serve"},
-    {"error", set_error, "a text"},
-    {"close-after", set_close_after, "connect, request, version, challenge, login, addinfo, chantype or reply"},
-    {"pace", set_pace, "real or a factor above 0"},
-    {"rate", set_rate, "a number of records a second above 0"},
-    {"loop", set_loop, "a number of rounds, 0 for no end"},
-    {"sessions", set_sessions, "a number of sessions"},
-    {"once", set_once, nullptr},
-    {"fault", set_fault, "cut=N, drip, silence=N, length=record:N:LENGTH or length=element:TYPE:LENGTH"},
-    {"verbose", set_verbose, nullptr},
-    {"help", nullptr, nullptr},
-};
-constexpr int OPTION_COUNT = static_cast<int>(std::size(OPTIONS));
-constexpr int FIRST_CODE = 1000;  // of the long options, beyond any character
-constexpr int NOT_KNOWN = OPTION_COUNT;
-
-/// The index of the next option in the table, -1 at their end, NOT_KNOWN for one that is wrong.
-int next_option(int argc, char** argv) {
-    option longs[OPTION_COUNT + 1] = {};
-    for (int i = 0; i < OPTION_COUNT; ++i) {
-        longs[i] = {OPTIONS[i].name, OPTIONS[i].takes != nullptr ? required_argument : no_argument, nullptr,
-                    FIRST_CODE + i};
-    }
-    const int code = getopt_long(argc, argv, ":hv", longs, nullptr);
-    if (code == 'h') {
-        return OPTION_COUNT - 1;
-    }
-    if (code == 'v') {
-        return OPTION_COUNT - 2;
-    }
-    return code >= FIRST_CODE ? code - FIRST_CODE : (code == -1 ? -1 : NOT_KNOWN);
-}
-
 bool parse_length_fault(std::string_view text, fault& trouble) {
     const std::size_t first = text.find(':');
     const std::size_t second = text.find(':', first + 1);
@@ -182,8 +159,11 @@ Examples:
   ifwatch-sim --version 1 --refuse serve isdn.case
                                             an old router, as ifwatch -V1 probes its channels
   ifwatch-sim --fault cut=3 demo.case       the connection breaks inside the third record
+  ifwatch-sim import lan.pcap -o lan.case   any capture becomes a case ("import --help" tells more)
+  ifwatch-sim export lan.case -o lan.pcap   and a case a capture ("export --help")
 
 Usage: ifwatch-sim [OPTIONS] CASE...
+       ifwatch-sim import|export [OPTIONS] FILE
 
 Each case file holds one interface: its channel type, its index (an "interface" line; 1000 when there is only one
 case) and the records that cross it.
@@ -248,26 +228,15 @@ bool parse_fault(const std::string& text, fault& trouble) {
 }
 
 bool parse_options(int argc, char** argv, sim_options& options, std::string& error) {
-    opterr = 0;
-    optind = 1;
-    for (int index = next_option(argc, argv); index != -1; index = next_option(argc, argv)) {
-        if (index == NOT_KNOWN) {
-            error = "unknown option or missing argument: " + quoted(argv[optind - 1]);
-            return false;
-        }
-        const known_option& known = OPTIONS[index];
-        if (known.apply == nullptr) {
-            options.help = true;
-            return true;
-        }
-        const std::string text = optarg != nullptr ? optarg : "";
-        if (!known.apply(text, options.setup)) {
-            error = "--" + std::string(known.name) + " takes " + known.takes + ", not " + quoted(text);
-            return false;
-        }
+    const std::span<const known_option<daemon_setup>> table(OPTIONS);
+    if (!apply_options(argc, argv, table, options.setup, options.cases, options.help, error) || options.help) {
+        return options.help;
     }
-    options.cases.assign(argv + optind, argv + argc);
-    error = options.cases.empty() ? "no case file given" : "";
+    if (options.setup.pace > 0 && options.setup.rate > 0) {
+        error = "--pace and --rate exclude each other";
+    } else if (options.cases.empty()) {
+        error = "no case file given";
+    }
     return error.empty();
 }
 

@@ -18,6 +18,9 @@ inline std::string quoted(std::string_view text) {
     return result;
 }
 
+/// The text with every control character made visible, such as \n and \x07, so that it stays on one line.
+[[nodiscard]] std::string on_one_line(std::string_view text);
+
 /// A whole number within bounds, decimal or hexadecimal behind 0x. Nothing may stand behind it.
 inline std::optional<std::int64_t> parse_number(std::string_view text, std::int64_t minimum, std::int64_t maximum) {
     const bool negative = text.starts_with('-');

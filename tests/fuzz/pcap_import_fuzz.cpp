@@ -1,0 +1,92 @@
+// Any file is a capture or has a line that says why not. What was imported keeps the limits of a record, is read from
+// its case file as it was, and stays as it is when it goes into a capture and back. The input is an octet that chooses
+// the options, and the file:
+//
+//     bits 0-1   what was sent: nothing, everything, what comes from a MAC or an IPv4 address
+//     bits 2-5   channel type; 0: that of the link type
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "display_check.h"
+#include "sim/capture.h"
+#include "sim/case_text.h"
+#include "sim/link_types.h"
+#include "trace/record_stream.h"
+
+namespace {
+
+using namespace ifwatch::sim;
+using ifwatch::fuzz::require;
+
+constexpr std::array<int, 16> CHANNEL_TYPES = {0, -2, 0, 1, 2, 3, 4, 6, 7, 9, 16, 32, 118, 131, 135, 200};
+
+import_settings settings_of(std::uint8_t choice) {
+    const std::array<sent_rule, 4> rules = {sent_nothing{}, sent_everything{}, mac_address{2, 0, 1, 1, 2, 3},
+                                            std::uint32_t{0xC0A8000A}};
+    import_settings settings;
+    settings.sent = rules[choice & 3U];
+    const std::size_t channel = choice >> 2U & 0xFU;
+    if (channel != 0) {
+        settings.channel_type = CHANNEL_TYPES[channel];
+    }
+    return settings;
+}
+
+void check_records(const trace_case& imported) {
+    std::uint32_t sequence = 0;
+    for (const case_record& record : imported.records) {
+        require(record.data.size() <= ifwatch::RECORD_DATA_MAXIMUM, "a record holds at most 8192 octets");
+        require(record.original_length >= record.data.size(), "the line had at least what was captured");
+        require(record.sequence == ++sequence, "records are numbered from 1");
+        require((record.flags & ~1U) == 0 && (record.info & 0xFF) == 0, "every record is a frame");
+    }
+}
+
+void check_case_text(const trace_case& imported) {
+    trace_case read;
+    std::string error;
+    require(parse_case(case_text(imported, "fuzzed"), read, error), "the case file is right");
+    require(read.channel_type == imported.channel_type && read.options == imported.options &&
+                read.records == imported.records,
+            "the case file is read as the case");
+}
+
+void check_round_trip(const trace_case& imported, const import_settings& settings, std::uint32_t link_type) {
+    std::vector<std::uint8_t> file;
+    std::size_t left_out = 0;
+    std::string text;
+    trace_case again;
+    require(export_capture(imported, link_type, file, left_out, text) && left_out == 0, "a capture can be exported");
+    require(import_capture(file, settings, again, text, text), "what was exported can be imported");
+    require(again.records == imported.records, "a capture comes back as it went");
+}
+
+}  // namespace
+
+// The name and the types are those of libFuzzer.
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {  // NOLINT(*-identifier-naming)
+    constexpr std::size_t link_type_at = 20;
+    if (size == 0) {
+        return 0;
+    }
+    const import_settings settings = settings_of(data[0]);
+    const std::span<const std::uint8_t> file{data + 1, size - 1};
+    trace_case imported;
+    std::string title;
+    std::string error;
+    if (!import_capture(file, settings, imported, title, error)) {
+        require(!error.empty() && error.find('\n') == std::string::npos, "a mistake is named in one line");
+        return 0;
+    }
+    check_records(imported);
+    check_case_text(imported);
+    // The link type is in the low 16 bits of its word, whose order the first octet of the magic tells.
+    const bool big_endian = file[0] == 0xA1;
+    const std::uint32_t low = file[link_type_at + (big_endian ? 3 : 0)];
+    const std::uint32_t high = file[link_type_at + (big_endian ? 2 : 1)];
+    check_round_trip(imported, settings, high << 8 | low);
+    return 0;
+}

@@ -1,0 +1,241 @@
+#include "sim/convert.h"
+
+#include <arpa/inet.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <limits>
+#include <span>
+#include <sstream>
+#include <string_view>
+
+#include "sim/capture.h"
+#include "sim/case_text.h"
+#include "sim/filter.h"
+#include "sim/option_table.h"
+#include "sim/output_file.h"
+#include "sim/text_parts.h"
+
+namespace ifwatch::sim {
+
+namespace {
+
+constexpr std::int64_t MAX_32_BIT = std::numeric_limits<std::uint32_t>::max();
+constexpr std::int64_t MAX_LINK_TYPE = 0xFFFF;
+
+/// What a command line asks for, import and export alike.
+struct conversion {
+    std::string output;  // empty: the standard output
+    import_settings import;
+    std::optional<std::uint32_t> link_type;
+};
+
+bool set_output(const std::string& text, conversion& wanted) {
+    wanted.output = text == "-" ? "" : text;
+    return !text.empty();
+}
+
+bool set_channel(const std::string& text, conversion& wanted) {
+    const auto value = parse_number(text, -0x8000, 0xFFFF);
+    wanted.import.channel_type = static_cast<int>(value.value_or(0));
+    return value.has_value();
+}
+
+bool set_interface(const std::string& text, conversion& wanted) {
+    const auto value = parse_number(text, 0, std::numeric_limits<std::int32_t>::max());
+    wanted.import.interface_index = static_cast<std::uint32_t>(value.value_or(0));
+    return value.has_value();
+}
+
+bool set_viewer_options(const std::string& text, conversion& wanted) {
+    wanted.import.viewer_options = text;
+    return text.find_first_of("#\r\n") == std::string::npos;
+}
+
+bool set_sent(const std::string& text, conversion& wanted) {
+    in_addr host{};
+    mac_address mac{};
+    if (text == "none") {
+        wanted.import.sent = sent_nothing{};
+    } else if (text == "all") {
+        wanted.import.sent = sent_everything{};
+    } else if (inet_pton(AF_INET, text.c_str(), &host) == 1) {
+        wanted.import.sent = std::uint32_t{ntohl(host.s_addr)};
+    } else if (parse_mac(text, mac)) {
+        wanted.import.sent = mac;
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool set_start(const std::string& text, conversion& wanted) {
+    const auto value = parse_number(text, 0, MAX_32_BIT);
+    wanted.import.start_ms = static_cast<std::uint32_t>(value.value_or(0));
+    return value.has_value();
+}
+
+bool set_link_type(const std::string& text, conversion& wanted) {
+    const auto value = parse_number(text, 0, MAX_LINK_TYPE);
+    wanted.link_type = static_cast<std::uint32_t>(value.value_or(0));
+    return value.has_value();
+}
+
+constexpr known_option<conversion> IMPORT_OPTIONS[] = {
+    {"output", 'o', set_output, "a file name"},
+    {"channel", 'c', set_channel, "the code of a channel type"},
+    {"interface", 'i', set_interface, "an interface index"},
+    {"options", 0, set_viewer_options, "the options for the viewer, without #"},
+    {"sent", 's', set_sent, "none, all, a MAC address or an IPv4 address"},
+    {"start", 0, set_start, "a time stamp in ms"},
+    {"help", 'h', nullptr, nullptr},
+};
+
+constexpr known_option<conversion> EXPORT_OPTIONS[] = {
+    {"output", 'o', set_output, "a file name"},
+    {"link-type", 'l', set_link_type, "a link type from 0 to 65535"},
+    {"help", 'h', nullptr, nullptr},
+};
+
+constexpr char IMPORT_HELP[] =
+    R"(ifwatch-sim import: makes a case file of a PCAP file, so that ifwatch decodes it.
+
+Examples:
+  ifwatch-sim import lan.pcap -o lan.case                    then: ifwatch-sim lan.case
+  ifwatch-sim import lan.pcap -o lan.case --sent 192.0.2.1   what that host sent is shown as sent by the router
+  ifwatch-sim import x.pcap --channel 0                      link type 0: the user knows that it is a D-channel
+
+Usage: ifwatch-sim import [OPTIONS] FILE.pcap
+
+  -o, --output FILE      the case file; standard output otherwise
+  -c, --channel TYPE     the channel type, instead of the one that fits the link type
+  -i, --interface INDEX  the interface to serve it as
+      --options TEXT     the options for the viewer, instead of those that show every layer
+  -s, --sent WHAT        what the router sent, where the file does not tell: none (the default), all, or what comes
+                         from a MAC or IPv4 address (Ethernet, Token Ring and IP captures)
+      --start MS         the time stamp of the first packet (0); the others follow from it
+
+The file is a classic PCAP file in either byte order, with micro- or nanoseconds. Link types and channel types:
+  1 Ethernet: 6                        177, 203 LAPD: 0
+  6 Token Ring: 9                      100, 123 ATM: 3
+  9, 50, 204 PPP: 1                    101, 228 IP: 131
+  104, 205 Cisco HDLC: 1               107, 206 Frame Relay: 1
+  207 LAPB: 1                          any other: as --channel says
+The direction is in the file with 123, 177 and 204 to 207. Of a frame the first 8192 octets are kept.
+
+Exit status: 0, or 2 for a mistake on the command line or in the file; then nothing is written.
+)";
+
+constexpr char EXPORT_HELP[] =
+    R"(ifwatch-sim export: makes a PCAP file of a case file, for any analyser.
+
+Example:
+  ifwatch-sim export isdn.case -o isdn.pcap
+
+Usage: ifwatch-sim export [OPTIONS] FILE.case
+
+  -o, --output FILE      the PCAP file; standard output otherwise
+  -l, --link-type N      the link type, instead of the one that fits the channel type
+
+Channel types and link types, those that tell the direction where there are such:
+  0 D-channel: 177                     1 B-channel, 23 PPP: 204
+  2, 3 ATM: 123                        6, 7, 135 LAN: 1
+  8, 9 token rings and buses: 6        16 LAPB: 207
+  32 Frame Relay: 107                  118 HDLC: 104
+  5 IP over X.25, 131 tunnel: 101      any other: as --link-type says
+Records that are no frames (events of the line, single ATM cells) are left out, and counted on the error stream.
+
+Exit status: 0, or 2 for a mistake on the command line or in the file; then nothing is written.
+)";
+
+/// Reads a whole file. False with its name and the reason in `error`.
+bool read_octets(const std::string& path, std::vector<std::uint8_t>& octets, std::string& error) {
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    if (file.is_open() && file.peek() != std::ifstream::traits_type::eof()) {
+        text << file.rdbuf();
+    }
+    if (!file.is_open() || file.bad() || text.bad()) {
+        error = path + ": " + std::strerror(errno != 0 ? errno : EIO);
+        return false;
+    }
+    const std::string_view read = text.view();
+    octets.assign(read.begin(), read.end());
+    return true;
+}
+
+bool import_file(const std::string& path, const conversion& wanted, std::string& /*note*/, std::string& error) {
+    std::vector<std::uint8_t> file;
+    trace_case imported;
+    std::string title;
+    if (!read_octets(path, file, error)) {
+        return false;
+    }
+    if (!import_capture(file, wanted.import, imported, title, error)) {
+        error = path + ": " + error;
+        return false;
+    }
+    const std::string name = path.substr(path.rfind('/') + 1);
+    return write_output(wanted.output, case_text(imported, name + ": " + title), error);
+}
+
+bool export_file(const std::string& path, const conversion& wanted, std::string& note, std::string& error) {
+    trace_case exported;
+    std::vector<std::uint8_t> file;
+    std::size_t left_out = 0;
+    if (!read_case_file(path, exported, error)) {
+        return false;
+    }
+    if (!export_capture(exported, wanted.link_type, file, left_out, error)) {
+        error = path + ":" + std::to_string(exported.channel_line) + ": " + error;
+        return false;
+    }
+    if (left_out != 0) {
+        note = path + ": " + std::to_string(left_out) + " of " + std::to_string(exported.records.size()) +
+               " records left out, which are no frames";
+    }
+    return write_output(wanted.output, file, error);
+}
+
+struct direction {
+    std::string_view word;
+    std::span<const known_option<conversion>> options;
+    const char* help;
+    bool (*run)(const std::string& path, const conversion& wanted, std::string& note, std::string& error);
+};
+
+const direction DIRECTIONS[] = {
+    {"import", IMPORT_OPTIONS, IMPORT_HELP, import_file},
+    {"export", EXPORT_OPTIONS, EXPORT_HELP, export_file},
+};
+
+}  // namespace
+
+bool asks_for_conversion(int argc, char** argv) {
+    const std::string_view word = argc > 1 ? argv[1] : "";
+    return word == DIRECTIONS[0].word || word == DIRECTIONS[1].word;
+}
+
+bool convert(int argc, char** argv, std::string& note, std::string& error) {
+    const direction& asked = argv[1] == DIRECTIONS[0].word ? DIRECTIONS[0] : DIRECTIONS[1];
+    conversion wanted;
+    std::vector<std::string> files;
+    bool help = false;
+    bool understood = apply_options(argc - 1, argv + 1, asked.options, wanted, files, help, error);
+    if (help) {
+        return write_output("", std::string_view(asked.help), error);
+    }
+    if (understood && files.size() != 1) {
+        understood = false;
+        error = files.empty() ? "no file given" : "one file at a time, not also " + quoted(files[1]);
+    }
+    if (!understood) {
+        error = std::string(asked.word) + ": " + error + " (" + std::string(asked.word) + " --help tells more)";
+        return false;
+    }
+    return asked.run(files.front(), wanted, note, error);
+}
+
+}  // namespace ifwatch::sim

@@ -1,0 +1,83 @@
+#include "sim/output_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace ifwatch::sim {
+
+namespace {
+
+constexpr mode_t FILE_MODE = 0666;  // less the umask
+
+bool write_whole(int fd, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(fd, text.data(), text.size());
+        if (written >= 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool write_and_close(int fd, std::string_view text) {
+    const bool written = write_whole(fd, text);
+    const int reason = errno;
+    const bool closed = close(fd) == 0;
+    errno = written ? errno : reason;
+    return written && closed;
+}
+
+bool is_special(const std::string& path) {
+    struct stat entry {};
+    return stat(path.c_str(), &entry) == 0 && !S_ISREG(entry.st_mode);
+}
+
+bool write_in_place(const std::string& path, std::string_view text) {
+    const int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    return fd >= 0 && write_and_close(fd, text);
+}
+
+/// Writes a file beside the path and gives it the name when it is complete.
+bool write_beside(const std::string& path, std::string_view text) {
+    const std::string unfinished = path + ".new-" + std::to_string(getpid());
+    const int fd = open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, FILE_MODE);
+    if (fd < 0) {
+        return false;
+    }
+    if (write_and_close(fd, text) && std::rename(unfinished.c_str(), path.c_str()) == 0) {
+        return true;
+    }
+    const int reason = errno;
+    unlink(unfinished.c_str());
+    errno = reason;
+    return false;
+}
+
+}  // namespace
+
+bool write_output(const std::string& path, std::string_view text, std::string& error) {
+    bool written = false;
+    if (path.empty()) {
+        written = write_whole(STDOUT_FILENO, text);
+    } else {
+        written = is_special(path) ? write_in_place(path, text) : write_beside(path, text);
+    }
+    if (!written) {
+        error = (path.empty() ? "standard output" : path) + ": " + std::strerror(errno);
+    }
+    return written;
+}
+
+bool write_output(const std::string& path, std::span<const std::uint8_t> octets, std::string& error) {
+    // Octets and characters are the same storage; the cast only changes how they are named.
+    return write_output(path, std::string_view(reinterpret_cast<const char*>(octets.data()), octets.size()), error);
+}
+
+}  // namespace ifwatch::sim
