@@ -19,6 +19,7 @@ long write_to_standard_output(const char* data, std::size_t length) { return wri
 char output_buffer[OUTPUT_CAPACITY];
 output_writer writer = write_to_standard_output;
 int first_error = 0;
+report_writer reporter = nullptr;
 // NOLINTEND(*-avoid-non-const-global-variables)
 
 /// A stretch of output that is kept to a bound: where it begins in the buffer, and how much more of it is kept.
@@ -85,8 +86,14 @@ void end_bounded_output() {
     bound.active = false;
 }
 
+void set_report_writer(report_writer replacement) { reporter = replacement; }
+
 void write_report(std::string_view text) {
     flush_output();
+    if (reporter != nullptr) {
+        reporter(text);
+        return;
+    }
     while (!text.empty()) {
         const long written = write(STDERR_FILENO, text.data(), text.size());
         if (written > 0) {
