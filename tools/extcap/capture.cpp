@@ -24,26 +24,6 @@ namespace {
 constexpr int STATUS_MISTAKE = 2;
 constexpr std::uint32_t LONGEST_PREFIX = 64;
 
-/// A descriptor that is closed when it goes.
-class descriptor {
-public:
-    explicit descriptor(int fd) : fd_(fd) {}
-    ~descriptor() {
-        if (fd_ >= 0) {
-            close(fd_);
-        }
-    }
-    descriptor(const descriptor&) = delete;
-    descriptor& operator=(const descriptor&) = delete;
-    descriptor(descriptor&&) = delete;
-    descriptor& operator=(descriptor&&) = delete;
-
-    [[nodiscard]] int get() const { return fd_; }
-
-private:
-    int fd_;
-};
-
 /// How a step of a capture went.
 enum class step : std::uint8_t { DONE, END, FAILED };
 
@@ -198,8 +178,9 @@ private:
 
 bool capture(const plugin_options& options, const std::string& mistake, failure& why) {
     end_on_signals();
-    const descriptor fifo(open(options.fifo.c_str(), O_WRONLY | O_CLOEXEC));
-    if (fifo.get() < 0) {
+    // Open until the process ends: its reader takes that for the end of the capture, and asks for no error after it.
+    const int fifo = open(options.fifo.c_str(), O_WRONLY | O_CLOEXEC);
+    if (fifo < 0) {
         why = {1, options.fifo + ": " + std::strerror(errno)};
         return false;
     }
@@ -209,12 +190,12 @@ bool capture(const plugin_options& options, const std::string& mistake, failure&
     }
     display_context context;
     init_display_context(context);
-    const descriptor socket(open_trace(options, context, why));
-    if (socket.get() < 0) {
+    const int socket_fd = open_trace(options, context, why);
+    if (socket_fd < 0) {
         return false;
     }
-    end_stream_on_signals(socket.get());
-    return capture_run(options, fifo.get(), socket.get(), context).run(why);
+    end_stream_on_signals(socket_fd);
+    return capture_run(options, fifo, socket_fd, context).run(why);
 }
 
 }  // namespace ifwatch::extcap

@@ -3,6 +3,7 @@
 #include <getopt.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <limits>
 
@@ -184,6 +185,8 @@ bool parse_options(int argc, char** argv, plugin_options& options, std::string& 
     if (optind < argc) {
         note("not an option: " + quoted(argv[optind]));
     }
+    const char* const usual_host = std::getenv("TRACE_HOST");
+    options.host = options.host.empty() && usual_host != nullptr ? usual_host : options.host;
     note(find_gap(options));
     return error.empty();
 }

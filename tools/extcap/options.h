@@ -36,7 +36,7 @@ struct plugin_options {
     std::string filter;
     std::string reload_option;  // without its dashes
 
-    std::string host;  // empty: TRACE_HOST
+    std::string host;  // TRACE_HOST where none is given; empty without it
     std::uint16_t port = DEFAULT_PORT;
     std::optional<std::int32_t> interface_index;
     const bchannel_kind* bchannel = nullptr;  // never nullptr once parsed

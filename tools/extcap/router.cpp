@@ -31,14 +31,8 @@ void keep_reports() {
     set_report_writer([](std::string_view text) { kept_reports() += text; });
 }
 
-std::string router_name(const plugin_options& options) {
-    const char* const value = std::getenv("TRACE_HOST");
-    return options.host.empty() && value != nullptr ? value : options.host;
-}
-
 /// What a session is opened with, apart from its target.
 struct access {
-    std::string router;
     secret password;
     addinfo_buffer addinfo;
 
@@ -49,8 +43,7 @@ struct access {
 
 bool prepare(const plugin_options& options, bool list_mode, access& with, failure& why) {
     why.status = STATUS_MISTAKE;
-    with.router = router_name(options);
-    if (with.router.empty()) {
+    if (options.host.empty()) {
         why.text = "--host is missing: which router?";
         return false;
     }
@@ -58,12 +51,12 @@ bool prepare(const plugin_options& options, bool list_mode, access& with, failur
         return false;
     }
     with.addinfo.used = build_addinfo(NEWEST_VERSION, with.addinfo.data, options.atm, list_mode, with.addinfo.used);
-    return find_password(options.credentials, with.router, with.password, why.text);
+    return find_password(options.credentials, options.host, with.password, why.text);
 }
 
 /// Sets the session up, once more when the first attempt names the version to use. The socket, or -1.
-int open_with(access& with, const session_settings& settings, const trace_target& target, display_context& context,
-              failure& why) {
+int open_with(const plugin_options& options, access& with, const session_settings& settings, const trace_target& target,
+              display_context& context, failure& why) {
     keep_reports();
     int socket_fd = -1;
     int result = open_session(NEWEST_VERSION, socket_fd, settings, target, with.elements(), context);
@@ -76,7 +69,7 @@ int open_with(access& with, const session_settings& settings, const trace_target
     }
     with.password.wipe();
     if (result != 0) {
-        why = {1, "router " + with.router + ": " + take_reports()};
+        why = {1, "router " + options.host + ": " + take_reports()};
         return -1;
     }
     return socket_fd;
@@ -93,8 +86,8 @@ int open_trace(const plugin_options& options, display_context& context, failure&
     split_interface_index(target, options.interface_index.value_or(0));
     target.capture_length = options.capture_length > 0 ? options.capture_length : -1;
     const session_settings settings{
-        .host = with.router.c_str(), .port = options.port, .password = with.password.text()};
-    return open_with(with, settings, target, context, why);
+        .host = options.host.c_str(), .port = options.port, .password = with.password.text()};
+    return open_with(options, with, settings, target, context, why);
 }
 
 bool list_interfaces(const plugin_options& options, std::vector<listed_interface>& listed, failure& why) {
@@ -102,14 +95,14 @@ bool list_interfaces(const plugin_options& options, std::vector<listed_interface
     if (!prepare(options, true, with, why)) {
         return false;
     }
-    const session_settings settings{.host = with.router.c_str(),
+    const session_settings settings{.host = options.host.c_str(),
                                     .port = options.port,
                                     .password = with.password.text(),
                                     .list_mode = true,
                                     .listed = &listed};
     display_context context;
     init_display_context(context);
-    const int socket_fd = open_with(with, settings, {}, context, why);
+    const int socket_fd = open_with(options, with, settings, {}, context, why);
     if (socket_fd >= 0) {
         close(socket_fd);
     }
