@@ -65,7 +65,7 @@ int open_with(const plugin_options& options, access& with, const session_setting
         result = open_session(result, socket_fd, settings, target, with.elements(), context);
     } else if (result > 0) {
         take_reports();
-        write_report("the router cannot list its interfaces; type the index of one");
+        write_report("it cannot list its interfaces; type the index of one");
     }
     with.password.wipe();
     if (result != 0) {
