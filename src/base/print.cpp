@@ -37,6 +37,7 @@ long write_to_standard_output(const char* data, std::size_t length) {
 char output_buffer[OUTPUT_CAPACITY];
 output_writer writer = write_to_standard_output;
 int first_error = 0;
+report_writer reporter = nullptr;
 // NOLINTEND(*-avoid-non-const-global-variables)
 
 /// A stretch of output that is kept to a bound: where it begins in the buffer, and how much more of it is kept.
@@ -103,8 +104,14 @@ void end_bounded_output() {
     bound.active = false;
 }
 
+void set_report_writer(report_writer replacement) { reporter = replacement; }
+
 void write_report(std::string_view text) {
     flush_output();
+    if (reporter != nullptr) {
+        reporter(text);
+        return;
+    }
     while (!text.empty()) {
         const long written = write_patiently(STDERR_FILENO, text.data(), text.size());
         if (written > 0) {

@@ -35,6 +35,10 @@ void print(const Arguments&... arguments) {
 /// Prints a text of a table, which may hold one conversion of `value`, to the standard output.
 inline void print_named(table_text text, std::uint32_t value) { print_named_to(standard_output, text, value); }
 
+/// Where reports go instead of the error stream; nullptr leads them back to it.
+using report_writer = void (*)(std::string_view text);
+void set_report_writer(report_writer replacement);
+
 /// Writes a text to the error stream at once. What stands in the output buffer goes out first, so that both streams
 /// on one terminal keep their order.
 void write_report(std::string_view text);

@@ -1,8 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 namespace ifwatch {
+
+/// An interface of the router, as its list has it.
+struct listed_interface {
+    std::uint32_t index = 0;
+    std::int16_t type = 0;
+};
 
 /// Where the trace daemon is and how this run logs in.
 struct session_settings {
@@ -10,6 +17,7 @@ struct session_settings {
     std::uint16_t port = 7000;       // host order; TRACE_PORT wins over it
     const char* password = nullptr;  // --pwd; nullptr: none given
     bool list_mode = false;
+    std::vector<listed_interface>* listed = nullptr;  // takes the interface list; nullptr: it is printed
 };
 
 /// Connects to the trace daemon over IPv4 and reports it at `verbose_level` >= `quiet_level`. Returns the socket, or

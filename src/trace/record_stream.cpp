@@ -14,28 +14,27 @@ namespace ifwatch {
 
 namespace {
 
-/// Reads the record behind `header` into the slot of the context. False at the end of the stream.
-bool receive_record(int socket_fd, record_buffer& buffer, display_context& context) {
+void count_record(std::uint32_t sequence) { report<"\b\b\b\b\b\b\b\b%8lu">(sequence); }
+
+}  // namespace
+
+record_read receive_record(int socket_fd, record_buffer& buffer, display_context& context) {
     std::array<std::uint8_t, RECORD_HEADER_LENGTH> header{};
     const int got_header = read_n(socket_fd, header.data(), RECORD_HEADER_LENGTH);
     if (got_header != RECORD_HEADER_LENGTH) {
         report<"trc hdr too short! = %d<%d\n">(got_header, RECORD_HEADER_LENGTH);
-        return false;
+        return got_header == 0 ? record_read::END : record_read::BROKEN;
     }
     const int captured = load_be16(header.data()) - RECORD_HEADER_LENGTH;
     const bool fits = captured >= 0 && captured <= RECORD_DATA_MAXIMUM;
     const int got = fits ? read_n(socket_fd, buffer.data.get(), captured) : 0;
     if (got != captured) {
         report<"data too short! %d<%ld\n">(got, captured);
-        return false;
+        return record_read::BROKEN;
     }
     fill_slot(buffer, std::span(header).subspan<4, PROTO_LENGTH>(), load_be16(&header[20]), captured, context);
-    return true;
+    return record_read::RECORD;
 }
-
-void count_record(std::uint32_t sequence) { report<"\b\b\b\b\b\b\b\b%8lu">(sequence); }
-
-}  // namespace
 
 int receive_records(int socket_fd, const stream_settings& settings, display_context& context) {
     record_buffer buffer;
@@ -48,7 +47,7 @@ int receive_records(int socket_fd, const stream_settings& settings, display_cont
         report<"Packets captured: %8d">(0);
     }
     bool writable = flush_output();  // the session may have printed, too
-    while (writable && receive_record(socket_fd, buffer, context)) {
+    while (writable && receive_record(socket_fd, buffer, context) == record_read::RECORD) {
         if (verbose_level > 2) {
             report<"Pkt: len %lu, sequ: %lu\n">(context.payload.length, context.header->sequence);
         }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <cstdint>
+
 #include "trace/trace_target.h"
 
 namespace ifwatch {
 
 struct display_context;
+struct record_buffer;
 
 // A trace record, all integers big-endian:
 //
@@ -21,6 +24,17 @@ struct stream_settings {
     int pcap_fd = -1;    // the open PCAP sink; -1: none
     bool print = false;  // decode although there is a sink
 };
+
+/// What came of reading a record.
+enum class record_read : std::uint8_t {
+    RECORD,
+    END,     // of the stream; it may have ended inside a record header
+    BROKEN,  // the stream ended or failed inside a record, or the record is longer than can be held
+};
+
+/// Reads one trace record into the buffer and makes it the current one of the context. A message tells why there is
+/// none.
+record_read receive_record(int socket_fd, record_buffer& buffer, display_context& context);
 
 /// Reads trace records until the daemon closes the connection or a record is cut off or longer than can be held, and
 /// writes each to the sink and decodes it as the settings say. Returns 0, or 1 when the standard output failed or

@@ -151,6 +151,10 @@ reply_step take_info(attempt& session) {
     if (session.channel_type == TYPE_LAN_8023) {
         index &= ~3U;
     }
+    if (session.settings.listed != nullptr) {
+        session.settings.listed->push_back({index, session.channel_type});
+        return reply_step::NEXT_ELEMENT;
+    }
     report<"Ifc: %7d Type: %3d (%s)\n">(index, session.channel_type, ifc_type_entry(session.channel_type).name);
     return reply_step::NEXT_ELEMENT;
 }

@@ -1,0 +1,87 @@
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "base/program_name.h"
+#include "extcap/capture.h"
+#include "extcap/filter.h"
+#include "extcap/options.h"
+#include "extcap/router.h"
+#include "extcap/sentences.h"
+
+namespace {
+
+using namespace ifwatch::extcap;
+
+constexpr int STATUS_MISTAKE = 2;
+
+int complain(const failure& why) {
+    static_cast<void>(std::fprintf(stderr, "ifwatch-extcap: %s\n", why.text.c_str()));
+    return why.status;
+}
+
+int answer(const std::string& text) {
+    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+        return complain({1, "cannot write the answer to the standard output"});
+    }
+    return 0;
+}
+
+int reload(const plugin_options& options) {
+    if (options.reload_option != "interface") {
+        return complain(
+            {STATUS_MISTAKE, "--extcap-reload-option: only the values of 'interface' come from the router"});
+    }
+    std::vector<ifwatch::listed_interface> listed;
+    failure why;
+    return list_interfaces(options, listed, why) ? answer(interface_value_sentences(listed)) : complain(why);
+}
+
+/// A wrong filter is an answer, too: the analyser reads it only with exit status 0.
+int check_filter(const plugin_options& options) {
+    ifwatch::addinfo_buffer elements;
+    std::string error;
+    return add_capture_filter(options.filter, elements, error) ? 0 : answer(error + "\n");
+}
+
+int trace(const plugin_options& options, const std::string& mistake) {
+    failure why;
+    return capture(options, mistake, why) ? 0 : complain(why);
+}
+
+int run(const plugin_options& options) {
+    switch (options.what) {
+        case call::HELP:
+            return answer(help_text());
+        case call::VERSION:
+        case call::LIST_INTERFACES:
+            return answer(interface_sentences());
+        case call::LIST_LINK_TYPES:
+            return answer(link_type_sentences());
+        case call::LIST_OPTIONS:
+            return answer(option_sentences());
+        case call::RELOAD_OPTION:
+            return reload(options);
+        case call::CHECK_FILTER:
+            return check_filter(options);
+        case call::CAPTURE:
+            return trace(options, "");
+        case call::CLEAN_UP:
+        case call::NONE:
+            return 0;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    plugin_options options;
+    std::string mistake;
+    if (parse_options(argc, argv, options, mistake)) {
+        return run(options);
+    }
+    mistake += " (--help tells more)";
+    return options.what == call::CAPTURE && !options.fifo.empty() ? trace(options, mistake)
+                                                                  : complain({STATUS_MISTAKE, mistake});
+}

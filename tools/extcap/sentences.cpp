@@ -1,0 +1,106 @@
+#include "extcap/sentences.h"
+
+#include <iterator>
+
+#include "extcap/link_layer.h"
+#include "extcap/options.h"
+#include "trace/ifc_types.h"
+
+namespace ifwatch::extcap {
+
+namespace {
+
+/// A field of the form; its number is its place in the table.
+struct form_field {
+    const char* call;
+    const char* display;
+    const char* type;
+    const char* rest;  // further groups
+};
+
+constexpr form_field FIELDS[] = {
+    {"--host", "Router", "string", "{required=true}{tooltip=Name or IPv4 address of the router}"},
+    {"--port", "TCP port", "integer", "{range=1,65535}{default=7000}{tooltip=Port of the router's trace daemon}"},
+    {"--interface", "Interface", "selector",
+     "{reload=true}{placeholder=Ask the router}{tooltip=The interfaces that the router lists}"},
+    {"--index", "or its index", "integer",
+     "{range=0,2147483647}{tooltip=For a router without a list: 1000 * slot + 100 * unit + channel, such as 2100}"},
+    {"--bchannel", "B-channels carry", "selector",
+     "{tooltip=The router does not tell what an ISDN B-channel is used for}"},
+    {"--credentials", "Credentials file", "fileselect",
+     "{mustexist=true}{tooltip=Lines of a router's name and its password. Without a file TRACE_PWD is the password}"},
+    {"--capture-length", "Capture length", "integer",
+     "{range=0,8192}{default=0}{tooltip=Octets captured of each frame. 0: whole frames}"},
+    {"--vpi", "ATM VPI", "integer", "{range=0,255}{tooltip=Only this virtual path of an ATM line}"},
+    {"--vci", "ATM VCI", "integer", "{range=0,65535}{tooltip=Only this virtual channel of an ATM line}"},
+    {"--router-time", "Keep the router's time stamps", "boolflag",
+     "{default=false}{tooltip=Milliseconds since the router started, instead of the time of day}"},
+};
+constexpr int INTERFACE_FIELD = 2;
+constexpr int BCHANNEL_FIELD = 4;
+
+struct link_type_name {
+    link_type type;
+    const char* name;
+    const char* title;
+};
+
+constexpr link_type_name LINK_TYPE_NAMES[] = {
+    {LINK_LAPD, "LAPD", "ISDN D-channels: LAPD"},
+    {LINK_EXPORTED_PDU, "WIRESHARK_UPPER_PDU", "LAPB, PABX messages, ATM cells: each frame names its protocol"},
+    {LINK_PPP, "PPP", "PPP"},
+    {LINK_FRAME_RELAY, "FRELAY", "Frame Relay"},
+    {LINK_CISCO_HDLC, "C_HDLC", "Cisco HDLC"},
+    {LINK_RAW_IP, "RAW", "Tunnels: IP"},
+    {LINK_ETHERNET, "EN10MB", "LANs: Ethernet"},
+    {LINK_TOKEN_RING, "IEEE802_5", "LANs: Token Ring"},
+    {LINK_SUNATM, "SUNATM", "ATM: AAL5 frames with their VPI and VCI"},
+    {LINK_USER0, "USER0", "Raw frames"},
+};
+
+std::string group(const char* key, const std::string& value) { return std::string("{") + key + "=" + value + "}"; }
+
+std::string value_sentence(int field, const std::string& value, const std::string& title, bool is_default) {
+    return "value " + group("arg", std::to_string(field)) + group("value", value) + group("display", title) +
+           (is_default ? group("default", "true") : "") + "\n";
+}
+
+}  // namespace
+
+std::string interface_sentences() {
+    return std::string("extcap ") + group("version", EXTCAP_VERSION) + group("display", "ifwatch") + "\n" +
+           "interface " + group("value", INTERFACE_ID) + group("display", INTERFACE_TITLE) + "\n";
+}
+
+std::string link_type_sentences() {
+    std::string sentences;
+    for (const link_type_name& known : LINK_TYPE_NAMES) {
+        sentences += "dlt " + group("number", std::to_string(known.type)) + group("name", known.name) +
+                     group("display", known.title) + "\n";
+    }
+    return sentences;
+}
+
+std::string option_sentences() {
+    std::string sentences;
+    for (std::size_t i = 0; i < std::size(FIELDS); ++i) {
+        const form_field& field = FIELDS[i];
+        sentences += "arg " + group("number", std::to_string(i)) + group("call", field.call) +
+                     group("display", field.display) + group("type", field.type) + field.rest + "\n";
+    }
+    for (const bchannel_kind& kind : bchannel_kinds()) {
+        sentences += value_sentence(BCHANNEL_FIELD, kind.word, kind.title, &kind == &bchannel_kinds().front());
+    }
+    return sentences;
+}
+
+std::string interface_value_sentences(std::span<const listed_interface> listed) {
+    std::string sentences;
+    for (const listed_interface& one : listed) {
+        const std::string index = std::to_string(one.index);
+        sentences += value_sentence(INTERFACE_FIELD, index, index + " " + ifc_type_entry(one.type).name, false);
+    }
+    return sentences;
+}
+
+}  // namespace ifwatch::extcap
