@@ -1,0 +1,20 @@
+# Completions of ifwatch-sim for fish.
+
+complete -c ifwatch-sim -f -a '(__fish_complete_suffix .case)'
+complete -c ifwatch-sim -l listen -x -a '127.0.0.1 0.0.0.0' -d 'Address to listen on'
+complete -c ifwatch-sim -l port -x -d 'Port to listen on, 0 for any'
+complete -c ifwatch-sim -l port-file -r -F -d 'Write the port to a file'
+complete -c ifwatch-sim -l password -x -d 'Password of the login'
+complete -c ifwatch-sim -l once -d 'End after one session'
+complete -c ifwatch-sim -l sessions -x -d 'End after so many sessions'
+complete -c ifwatch-sim -s v -l verbose -d 'Report each client'
+complete -c ifwatch-sim -l pace -x -a real -d 'Send at the speed of the time stamps'
+complete -c ifwatch-sim -l rate -x -d 'Send so many records a second'
+complete -c ifwatch-sim -l loop -x -d 'Send the records so many times, 0 for no end'
+complete -c ifwatch-sim -l version -x -a '1 2 3' -d 'Speak one version only'
+complete -c ifwatch-sim -l refuse -x -a 'reply close serve' -d 'What a client of another version gets'
+complete -c ifwatch-sim -l error -x -d 'Refuse each session with a text'
+complete -c ifwatch-sim -l close-after -x -a 'connect request version challenge login addinfo chantype reply' \
+    -d 'Close behind a step'
+complete -c ifwatch-sim -l fault -x -a 'cut= drip silence= length=record: length=element:' -d 'Make one fault'
+complete -c ifwatch-sim -l help -d 'Explain everything'
