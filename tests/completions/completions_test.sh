@@ -74,4 +74,11 @@ expect 'ifwatch-sim --close-after c' "$(lines challenge chantype connect)"
 : >one.case
 expect 'ifwatch-sim --once one' one.case
 expect 'ifwatch-sim --port-file trace2' trace2.pcap
+expect 'ifwatch-sim im' import
+expect 'ifwatch-sim import trac' "$(lines 'trace one.pcap' trace2.pcap)"
+expect 'ifwatch-sim export trac' ''
+expect 'ifwatch-sim import --sent ' "$(lines all none)"
+for subcommand in import export; do
+    expect "ifwatch-sim $subcommand -" "$(sh "$tests/support/usage_options.sh" "$programs/ifwatch-sim" "$subcommand")"
+done
 [ "$failures" -eq 0 ]

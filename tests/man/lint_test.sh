@@ -4,10 +4,10 @@ set -eu
 pages=$(cd "$(dirname "$0")/../../man" && pwd)
 PATH=$PATH:/usr/sbin:/sbin
 
-command -v mandoc >/dev/null && command -v makewhatis >/dev/null || {
+if ! command -v mandoc >/dev/null || ! command -v makewhatis >/dev/null; then
     echo "skipped: there is no mandoc here"
     exit 77
-}
+fi
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 status=0

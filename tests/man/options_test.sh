@@ -7,10 +7,13 @@ tests=$(cd "$(dirname "$0")/.." && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
-sh "$tests/support/usage_options.sh" "$program" "$@" >"$scratch/named"
+sh "$tests/support/usage_options.sh" "$program" >"$scratch/named"
+for subcommand in "$@"; do
+    sh "$tests/support/usage_options.sh" "$program" "$subcommand" >>"$scratch/named"
+done
 case ${page##*/} in
     ifwatch.1) printf '%s\n' '-?' -H -n -z ;; # which the usage text leaves out
-    *) echo --help ;;
+    *) echo --help ;; # which goes without saying
 esac >>"$scratch/named"
 LC_ALL=C sort -u -o "$scratch/named" "$scratch/named"
 
