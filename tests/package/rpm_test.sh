@@ -26,7 +26,8 @@ query() { rpm --dbpath "$scratch/db" "$@"; }
     for file in bash-completion/completions/ifwatch bash-completion/completions/ifwatch-sim \
         zsh/site-functions/_ifwatch zsh/site-functions/_ifwatch-sim fish/vendor_completions.d/ifwatch.fish \
         fish/vendor_completions.d/ifwatch-sim.fish man/man1/ifwatch.1.gz man/man1/ifwatch-sim.1.gz \
-        man/man5/ifwatch-case.5.gz doc/ifwatch ifwatch ifwatch/samples; do
+        man/man5/ifwatch-case.5.gz doc/ifwatch doc/ifwatch/docs doc/ifwatch/docs/reading-a-trace.md \
+        doc/ifwatch/docs/session.svg ifwatch ifwatch/samples; do
         echo "/usr/share/$file"
     done
     if [ -x "$build/ifwatch-extcap" ]; then
