@@ -76,7 +76,7 @@ expect 'ifwatch-sim --once one' one.case
 expect 'ifwatch-sim --port-file trace2' trace2.pcap
 expect 'ifwatch-sim im' import
 expect 'ifwatch-sim import trac' "$(lines 'trace one.pcap' trace2.pcap)"
-expect 'ifwatch-sim export trac' ''
+expect 'ifwatch-sim export on' one.case
 expect 'ifwatch-sim import --sent ' "$(lines all none)"
 for subcommand in import export; do
     expect "ifwatch-sim $subcommand -" "$(sh "$tests/support/usage_options.sh" "$programs/ifwatch-sim" "$subcommand")"
