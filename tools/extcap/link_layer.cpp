@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/format.h"
+#include "display/channel_display.h"
 #include "display/display_context.h"
 #include "extcap/pcapng.h"
 #include "lan/wlan_oid.h"
@@ -19,9 +20,6 @@ constexpr int TYPE_PABX = -2;
 constexpr int TYPE_BCHANNEL = 1;
 constexpr int TYPE_ATM_OLD = 2;
 constexpr int TYPE_WLAN = 4;
-
-constexpr std::uint32_t RECORD_SENT = 0x01;         // bits of the record flags
-constexpr std::uint32_t RECORD_CELL_HEADER = 0x80;  // the payload begins with an ATM cell header
 
 constexpr bchannel_kind BCHANNEL_KINDS[] = {
     {"ppp", "PPP", {LINK_PPP}},

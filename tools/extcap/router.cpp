@@ -8,9 +8,11 @@
 
 #include "base/print.h"
 #include "base/verbose.h"
+#include "client/secret.h"
 #include "display/display_context.h"
 #include "extcap/credentials.h"
 #include "extcap/filter.h"
+#include "trace/auth.h"
 #include "trace/session.h"
 
 namespace ifwatch::extcap {
@@ -68,6 +70,8 @@ int open_with(const plugin_options& options, access& with, const session_setting
         write_report("it cannot list its interfaces; type the index of one");
     }
     with.password.wipe();
+    wipe_password_variable();
+    wipe_dead_stack();
     if (result != 0) {
         why = {1, "router " + options.host + ": " + take_reports()};
         return -1;
