@@ -16,7 +16,7 @@ namespace {
 
 using frame = std::vector<std::uint8_t>;
 
-constexpr std::size_t BLOCK_RECORDS = 20000;
+constexpr std::size_t BLOCK_RECORDS = 200000;
 constexpr std::size_t ETHERNET = 14;
 constexpr std::size_t IP = 20;
 constexpr std::size_t TCP = 20;
@@ -43,9 +43,21 @@ std::uint16_t checksum(std::span<const std::uint8_t> octets, std::uint32_t sum =
     return static_cast<std::uint16_t>(~sum);
 }
 
-/// Makes frames of one flow of random numbers, so that every run sees the same.
+/// The two ends of a conversation, and how far it has come.
+struct conversation {
+    std::uint32_t source;
+    std::uint32_t destination;
+    std::uint16_t source_port;
+    std::uint16_t destination_port;
+    std::uint32_t sequence;
+    std::uint32_t acknowledgement;
+};
+
+/// Makes the frames of a few conversations out of one row of random numbers, so that every run sees the same.
 class frame_maker {
 public:
+    frame_maker();
+
     frame tcp(std::size_t length);
     frame udp(std::size_t length, int port);
     frame icmp(std::size_t length);
@@ -55,14 +67,28 @@ public:
 private:
     std::uint32_t random() { return static_cast<std::uint32_t>(random_()); }
     std::size_t between(std::size_t low, std::size_t high) { return low + random() % (high - low + 1); }
-    frame ip(std::size_t length, std::uint8_t protocol);
+    frame ip(std::size_t length, std::uint8_t protocol, const conversation& talk);
     std::size_t mixed_length();
 
+    conversation& next_conversation() { return conversations_[random() % conversations_.size()]; }
+
     std::mt19937 random_{1};  // NOLINT(*-msc51-cpp): the same in every run
+    std::array<conversation, 64> conversations_{};
 };
 
+frame_maker::frame_maker() {
+    for (conversation& talk : conversations_) {
+        talk = {.source = 0xC0A80000 + random() % 0x10000,
+                .destination = 0xC6330000 + random() % 0x10000,
+                .source_port = static_cast<std::uint16_t>(between(40000, 65000)),
+                .destination_port = static_cast<std::uint16_t>(between(40000, 65000)),
+                .sequence = random(),
+                .acknowledgement = random()};
+    }
+}
+
 /// An Ethernet frame with an IP header and random octets behind it.
-frame frame_maker::ip(std::size_t length, std::uint8_t protocol) {
+frame frame_maker::ip(std::size_t length, std::uint8_t protocol, const conversation& talk) {
     frame made(length);
     std::ranges::generate(made, [this] { return static_cast<std::uint8_t>(random()); });
     std::ranges::copy(STATIONS, made.begin());
@@ -74,8 +100,8 @@ frame frame_maker::ip(std::size_t length, std::uint8_t protocol) {
     header[6] = 0x40;  // not to be fragmented
     header[8] = 64;
     header[9] = protocol;
-    store_be32(&header[12], 0xC0A80000 + random() % 0x10000);
-    store_be32(&header[16], 0xC6330000 + random() % 0x10000);
+    store_be32(&header[12], talk.source);
+    store_be32(&header[16], talk.destination);
     store_be16(&header[10], checksum({header, IP}));
     return made;
 }
@@ -88,10 +114,14 @@ std::uint16_t segment_checksum(const frame& made) {
 }
 
 frame frame_maker::tcp(std::size_t length) {
-    frame made = ip(length, 6);
+    conversation& talk = next_conversation();
+    frame made = ip(length, 6, talk);
     std::uint8_t* const header = &made[ETHERNET + IP];
-    store_be16(&header[0], static_cast<std::uint16_t>(between(40000, 65000)));
-    store_be16(&header[2], static_cast<std::uint16_t>(between(40000, 65000)));
+    store_be16(&header[0], talk.source_port);
+    store_be16(&header[2], talk.destination_port);
+    store_be32(&header[4], talk.sequence);
+    store_be32(&header[8], talk.acknowledgement);
+    talk.sequence += static_cast<std::uint32_t>(length - ETHERNET - IP - TCP);
     header[12] = TCP / 4 << 4;
     header[13] = 0x18;  // ACK and PSH
     store_be32(&header[16], 0);
@@ -100,10 +130,11 @@ frame frame_maker::tcp(std::size_t length) {
 }
 
 frame frame_maker::udp(std::size_t length, int port) {
-    frame made = ip(length, 17);
+    const conversation& talk = next_conversation();
+    frame made = ip(length, 17, talk);
     std::uint8_t* const header = &made[ETHERNET + IP];
-    store_be16(&header[0], static_cast<std::uint16_t>(between(40000, 65000)));
-    store_be16(&header[2], static_cast<std::uint16_t>(port != 0 ? port : static_cast<int>(between(40000, 65000))));
+    store_be16(&header[0], talk.source_port);
+    store_be16(&header[2], port != 0 ? static_cast<std::uint16_t>(port) : talk.destination_port);
     store_be16(&header[4], static_cast<std::uint16_t>(length - ETHERNET - IP));
     store_be16(&header[6], 0);
     store_be16(&header[6], segment_checksum(made));
@@ -111,7 +142,7 @@ frame frame_maker::udp(std::size_t length, int port) {
 }
 
 frame frame_maker::icmp(std::size_t length) {
-    frame made = ip(length, 1);
+    frame made = ip(length, 1, next_conversation());
     store_be32(&made[ETHERNET + IP], 0x08000000);  // an echo request
     const auto message = std::span(made).subspan(ETHERNET + IP);
     store_be16(&message[2], checksum(message));
