@@ -230,7 +230,8 @@ consteval bool fits_argument() {
 template <conversion How, class T>
 consteval bool is_simple() {
     const bool number = How.type != 's' && How.type != 'c';
-    const bool blanks = How.left || How.star_width || (How.width != 0 && !(How.zero && number));
+    const int shortest = How.type == 's' ? 0 : 1;
+    const bool blanks = How.left || How.star_width || (How.width > shortest && !(How.zero && number));
     return !blanks && How.precision < 0 && !How.star_precision && (!number || sizeof(T) <= sizeof(std::uint32_t));
 }
 
@@ -261,6 +262,9 @@ char* write_argument(char* out, const T& value) {
         const auto magnitude = static_cast<std::uint32_t>(what.magnitude);
         if constexpr (How.type == 'x' || How.type == 'X') {
             return write_hex(out, magnitude, How.width, hex_digits(How.type == 'X'));
+        }
+        if constexpr (std::is_same_v<T, std::uint8_t> && How.width <= 1) {
+            return write_octet(out, value);
         }
         const int sign = what.negative ? 1 : 0;
         *out = '-';

@@ -1,8 +1,5 @@
 #include "base/number_text.h"
 
-#include <array>
-#include <cstring>
-
 namespace ifwatch {
 
 namespace {
@@ -24,6 +21,20 @@ int count_digits(std::uint32_t value) {
 }
 
 }  // namespace
+
+constexpr std::array<std::array<char, 4>, 256> OCTET_DIGITS = [] {
+    std::array<std::array<char, 4>, 256> all{};
+    for (std::size_t octet = 0; octet < all.size(); ++octet) {
+        std::size_t count = 0;
+        for (const std::size_t power : {100U, 10U, 1U}) {
+            if (octet >= power || power == 1) {
+                all[octet][count++] = static_cast<char>('0' + octet / power % 10);
+            }
+        }
+        all[octet][3] = static_cast<char>(count);
+    }
+    return all;
+}();
 
 char* write_decimal(char* out, std::uint32_t value, int least) {
     char* const end = out + std::max(least, count_digits(value));

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace ifwatch {
 
@@ -26,5 +28,14 @@ constexpr char* write_hex(char* out, std::uint32_t value, int least, const char*
 }
 
 char* write_decimal(char* out, std::uint32_t value, int least);
+
+/// The decimal digits of each octet, and behind them how many they are.
+extern const std::array<std::array<char, 4>, 256> OCTET_DIGITS;
+
+/// An octet in decimal. It takes room for four characters.
+inline char* write_octet(char* out, std::uint8_t value) {
+    std::memcpy(out, OCTET_DIGITS[value].data(), OCTET_DIGITS[value].size());
+    return out + OCTET_DIGITS[value][3];
+}
 
 }  // namespace ifwatch
