@@ -43,14 +43,17 @@ std::uint16_t checksum(std::span<const std::uint8_t> octets, std::uint32_t sum =
     return static_cast<std::uint16_t>(~sum);
 }
 
-/// The two ends of a conversation, and how far it has come.
-struct conversation {
-    std::uint32_t source;
-    std::uint32_t destination;
-    std::uint16_t source_port;
-    std::uint16_t destination_port;
+/// One end of a conversation, and the next octet that it sends.
+struct end_point {
+    std::uint32_t address;
+    std::uint16_t port;
     std::uint32_t sequence;
-    std::uint32_t acknowledgement;
+};
+
+/// What one end sends to the other.
+struct direction {
+    end_point& from;
+    const end_point& to;
 };
 
 /// Makes the frames of a few conversations out of one row of random numbers, so that every run sees the same.
@@ -67,28 +70,29 @@ public:
 private:
     std::uint32_t random() { return static_cast<std::uint32_t>(random_()); }
     std::size_t between(std::size_t low, std::size_t high) { return low + random() % (high - low + 1); }
-    frame ip(std::size_t length, std::uint8_t protocol, const conversation& talk);
+    frame ip(std::size_t length, std::uint8_t protocol, const direction& way);
+    direction next_direction();
     std::size_t mixed_length();
 
-    conversation& next_conversation() { return conversations_[random() % conversations_.size()]; }
-
     std::mt19937 random_{1};  // NOLINT(*-msc51-cpp): the same in every run
-    std::array<conversation, 64> conversations_{};
+    std::array<std::array<end_point, 2>, 64> conversations_{};
 };
 
 frame_maker::frame_maker() {
-    for (conversation& talk : conversations_) {
-        talk = {.source = 0xC0A80000 + random() % 0x10000,
-                .destination = 0xC6330000 + random() % 0x10000,
-                .source_port = static_cast<std::uint16_t>(between(40000, 65000)),
-                .destination_port = static_cast<std::uint16_t>(between(40000, 65000)),
-                .sequence = random(),
-                .acknowledgement = random()};
+    for (auto& [client, server] : conversations_) {
+        const auto port = [this] { return static_cast<std::uint16_t>(between(40000, 65000)); };
+        client = {.address = 0xC0A80000 + random() % 0x10000, .port = port(), .sequence = random()};
+        server = {.address = 0xC6330000 + random() % 0x10000, .port = port(), .sequence = random()};
     }
 }
 
+direction frame_maker::next_direction() {
+    auto& [client, server] = conversations_[random() % conversations_.size()];
+    return random() % 2 == 0 ? direction{client, server} : direction{server, client};
+}
+
 /// An Ethernet frame with an IP header and random octets behind it.
-frame frame_maker::ip(std::size_t length, std::uint8_t protocol, const conversation& talk) {
+frame frame_maker::ip(std::size_t length, std::uint8_t protocol, const direction& way) {
     frame made(length);
     std::ranges::generate(made, [this] { return static_cast<std::uint8_t>(random()); });
     std::ranges::copy(STATIONS, made.begin());
@@ -100,8 +104,8 @@ frame frame_maker::ip(std::size_t length, std::uint8_t protocol, const conversat
     header[6] = 0x40;  // not to be fragmented
     header[8] = 64;
     header[9] = protocol;
-    store_be32(&header[12], talk.source);
-    store_be32(&header[16], talk.destination);
+    store_be32(&header[12], way.from.address);
+    store_be32(&header[16], way.to.address);
     store_be16(&header[10], checksum({header, IP}));
     return made;
 }
@@ -114,14 +118,14 @@ std::uint16_t segment_checksum(const frame& made) {
 }
 
 frame frame_maker::tcp(std::size_t length) {
-    conversation& talk = next_conversation();
-    frame made = ip(length, 6, talk);
+    const direction way = next_direction();
+    frame made = ip(length, 6, way);
     std::uint8_t* const header = &made[ETHERNET + IP];
-    store_be16(&header[0], talk.source_port);
-    store_be16(&header[2], talk.destination_port);
-    store_be32(&header[4], talk.sequence);
-    store_be32(&header[8], talk.acknowledgement);
-    talk.sequence += static_cast<std::uint32_t>(length - ETHERNET - IP - TCP);
+    store_be16(&header[0], way.from.port);
+    store_be16(&header[2], way.to.port);
+    store_be32(&header[4], way.from.sequence);
+    store_be32(&header[8], way.to.sequence);
+    way.from.sequence += static_cast<std::uint32_t>(length - ETHERNET - IP - TCP);
     header[12] = TCP / 4 << 4;
     header[13] = 0x18;  // ACK and PSH
     store_be32(&header[16], 0);
@@ -130,11 +134,11 @@ frame frame_maker::tcp(std::size_t length) {
 }
 
 frame frame_maker::udp(std::size_t length, int port) {
-    const conversation& talk = next_conversation();
-    frame made = ip(length, 17, talk);
+    const direction way = next_direction();
+    frame made = ip(length, 17, way);
     std::uint8_t* const header = &made[ETHERNET + IP];
-    store_be16(&header[0], talk.source_port);
-    store_be16(&header[2], port != 0 ? static_cast<std::uint16_t>(port) : talk.destination_port);
+    store_be16(&header[0], way.from.port);
+    store_be16(&header[2], port != 0 ? static_cast<std::uint16_t>(port) : way.to.port);
     store_be16(&header[4], static_cast<std::uint16_t>(length - ETHERNET - IP));
     store_be16(&header[6], 0);
     store_be16(&header[6], segment_checksum(made));
@@ -142,7 +146,7 @@ frame frame_maker::udp(std::size_t length, int port) {
 }
 
 frame frame_maker::icmp(std::size_t length) {
-    frame made = ip(length, 1, next_conversation());
+    frame made = ip(length, 1, next_direction());
     store_be32(&made[ETHERNET + IP], 0x08000000);  // an echo request
     const auto message = std::span(made).subspan(ETHERNET + IP);
     store_be16(&message[2], checksum(message));
