@@ -67,6 +67,41 @@ void put_text(text_sink& sink, std::string_view text, const conversion& how) {
     }
 }
 
+namespace {
+
+void put_converted(text_sink& sink, const format_argument& argument, const conversion& how) {
+    if (how.type == 's') {
+        put_text(sink, argument.text, how);
+    } else if (how.type == 'c') {
+        const char character = static_cast<char>(argument.value.magnitude);
+        put_text(sink, std::string_view(&character, 1), how);
+    } else {
+        put_number(sink, argument.value, how);
+    }
+}
+
+}  // namespace
+
+void put_pieces(text_sink& sink, std::string_view format, std::span<const format_piece> pieces,
+                std::span<const format_argument> arguments) {
+    for (const format_piece& piece : pieces) {
+        put(sink, format.substr(piece.literal_at, piece.literal_length));
+        conversion how = piece.how;
+        if (how.star_width) {
+            const number& width = arguments[piece.argument].value;
+            how.left = how.left || width.negative;
+            how.width = static_cast<int>(width.magnitude);
+        }
+        if (how.star_precision) {
+            const number& precision = arguments[piece.value_at() - 1].value;
+            how.precision = precision.negative ? -1 : static_cast<int>(precision.magnitude);
+        }
+        if (how.type != '\0') {
+            put_converted(sink, arguments[piece.value_at()], how);
+        }
+    }
+}
+
 void print_named_to(text_sink& sink, table_text text, std::uint32_t value) {
     std::string_view rest = detail::as_text(text);
     while (!rest.empty()) {
@@ -83,12 +118,7 @@ void print_named_to(text_sink& sink, table_text text, std::uint32_t value) {
             continue;
         }
         const conversion how = take_conversion(rest);
-        if (how.type == 'c') {
-            const char character = static_cast<char>(value);
-            put_text(sink, std::string_view(&character, 1), how);
-        } else {
-            put_number(sink, number_of(value, how.type, how.size), how);
-        }
+        put_converted(sink, {.value = number_of(value, how.type, how.size)}, how);
     }
 }
 

@@ -5,12 +5,14 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 
 #include "base/names.h"
+#include "base/number_text.h"
 #include "base/text_sink.h"
 
 namespace ifwatch {
@@ -34,8 +36,31 @@ struct number {
     bool negative;
 };
 
+/// A literal and the conversion behind it, with the index of its first argument.
+struct format_piece {
+    std::size_t literal_at = 0;
+    std::size_t literal_length = 0;
+    conversion how;
+    std::size_t argument = 0;
+
+    /// The index of what is converted: behind a width and a precision that are arguments, too.
+    [[nodiscard]] constexpr std::size_t value_at() const {
+        return argument + (how.star_width ? 1U : 0U) + (how.star_precision ? 1U : 0U);
+    }
+};
+
+/// An argument of a format: a text, or a number as its conversion sees it.
+struct format_argument {
+    std::string_view text{};
+    number value{};
+};
+
 void put_number(text_sink& sink, number value, const conversion& how);
 void put_text(text_sink& sink, std::string_view text, const conversion& how);
+
+/// Puts the pieces of a format one by one. There are as many arguments as the pieces ask for.
+void put_pieces(text_sink& sink, std::string_view format, std::span<const format_piece> pieces,
+                std::span<const format_argument> arguments);
 
 /// Where the first '%' of a text stands, or its end. (std::string_view::find is not a constant expression under g++ 12
 /// with the undefined-behaviour sanitizer.)
@@ -122,14 +147,6 @@ struct format_text {
 
 namespace detail {
 
-/// A literal and the conversion behind it, with the index of its first argument.
-struct format_piece {
-    std::size_t literal_at = 0;
-    std::size_t literal_length = 0;
-    conversion how;
-    std::size_t argument = 0;
-};
-
 template <format_text Format>
 consteval std::size_t count_pieces() {
     const std::string_view text = Format.view();
@@ -157,7 +174,7 @@ consteval auto split_format() {
             continue;
         }
         piece.how = take_conversion(rest);
-        argument += 1U + (piece.how.star_width ? 1U : 0U) + (piece.how.star_precision ? 1U : 0U);
+        argument = piece.value_at() + 1;
     }
     return pieces;
 }
@@ -170,7 +187,7 @@ consteval std::size_t count_arguments() {
     std::size_t count = 0;
     for (const format_piece& piece : pieces_of<Format>) {
         if (piece.how.type != '\0') {
-            count = piece.argument + 1U + (piece.how.star_width ? 1U : 0U) + (piece.how.star_precision ? 1U : 0U);
+            count = piece.value_at() + 1;
         }
     }
     return count;
@@ -185,54 +202,141 @@ concept text_argument = requires(const T& value) {
     as_text(value);
 };
 
-template <conversion How, class T>
-void put_argument(text_sink& sink, const T& value, [[maybe_unused]] int width, [[maybe_unused]] int precision) {
-    conversion how = How;
-    if constexpr (How.star_width) {
-        how.left = how.left || width < 0;
-        how.width = width < 0 ? -width : width;
-    }
-    if constexpr (How.star_precision) {
-        how.precision = precision;
-    }
-    if constexpr (How.type == 's') {
-        static_assert(text_argument<T>, "%s takes a text");
-        if constexpr (How.width == 0 && !How.star_width && How.precision < 0 && !How.star_precision) {
-            put(sink, as_text(value));
-        } else {
-            put_text(sink, as_text(value), how);
-        }
-    } else if constexpr (How.type == 'c') {
-        static_assert(std::integral<T>, "%c takes an octet");
-        const char character = static_cast<char>(value);
-        put_text(sink, std::string_view(&character, 1), how);
+/// What a format keeps of an argument: a text as a view, a number as it is.
+template <class T>
+constexpr auto argument_of(const T& value) {
+    if constexpr (text_argument<T>) {
+        return as_text(value);
     } else {
-        static_assert(How.type == 'd' || How.type == 'u' || How.type == 'x' || How.type == 'X',
-                      "this conversion is not known");
-        static_assert(std::integral<T>, "this conversion takes an integer");
-        put_number(sink, number_of(value, How.type, How.size), how);
+        return value;
     }
 }
 
+template <conversion How, class T>
+consteval bool fits_argument() {
+    if constexpr (How.type == 's') {
+        static_assert(text_argument<T>, "%s takes a text");
+    } else {
+        static_assert(How.type == 'c' || How.type == 'd' || How.type == 'u' || How.type == 'x' || How.type == 'X',
+                      "this conversion is not known");
+        static_assert(std::integral<T>, "this conversion takes an integer");
+    }
+    return true;
+}
+
+// Most formats hold nothing but simple conversions: numbers of up to 32 bits, at most filled with zeros, characters
+// and texts without a width. What they print is written in one go, once there is room for the most it can be.
+
+template <conversion How, class T>
+consteval bool is_simple() {
+    const bool number = How.type != 's' && How.type != 'c';
+    const int shortest = How.type == 's' ? 0 : 1;
+    const bool blanks = How.left || How.star_width || (How.width > shortest && !(How.zero && number));
+    return !blanks && How.precision < 0 && !How.star_precision && (!number || sizeof(T) <= sizeof(std::uint32_t));
+}
+
+/// The most characters that a simple conversion gives.
+template <conversion How, class T>
+constexpr std::size_t room_for(const T& value) {
+    if constexpr (How.type == 's') {
+        return value.size();
+    } else if constexpr (How.type == 'c') {
+        return 1;
+    } else {
+        constexpr std::size_t sign = 1;
+        // A negative number may be shown as an unsigned one of 32 bits.
+        constexpr std::size_t digits = most_digits(std::is_signed_v<T> ? sizeof(std::uint32_t) : sizeof(T));
+        return sign + std::max(digits, static_cast<std::size_t>(How.width));
+    }
+}
+
+template <conversion How, class T>
+char* write_argument(char* out, const T& value) {
+    if constexpr (How.type == 's') {
+        return std::copy_n(value.data(), value.size(), out);
+    } else if constexpr (How.type == 'c') {
+        *out = static_cast<char>(value);
+        return out + 1;
+    } else {
+        const number what = number_of(value, How.type, How.size);
+        const auto magnitude = static_cast<std::uint32_t>(what.magnitude);
+        if constexpr (How.type == 'x' || How.type == 'X') {
+            return write_hex(out, magnitude, How.width, hex_digits(How.type == 'X'));
+        }
+        if constexpr (std::is_same_v<T, std::uint8_t> && How.width <= 1) {
+            return write_octet(out, value);
+        }
+        const int sign = what.negative ? 1 : 0;
+        *out = '-';
+        return write_decimal(out + sign, magnitude, How.width - sign);
+    }
+}
+
+/// One piece of a format and the argument that it takes.
 template <format_text Format, std::size_t Index, class Arguments>
-void put_piece(text_sink& sink, [[maybe_unused]] const Arguments& arguments) {
-    constexpr format_piece piece = pieces_of<Format>[Index];
-    if constexpr (piece.literal_length != 0) {
-        put(sink, Format.view().substr(piece.literal_at, piece.literal_length));
-    }
-    if constexpr (piece.how.type != '\0') {
-        constexpr std::size_t precision_at = piece.argument + (piece.how.star_width ? 1U : 0U);
-        constexpr std::size_t value_at = precision_at + (piece.how.star_precision ? 1U : 0U);
-        int width = 0;
-        int precision = 0;
-        if constexpr (piece.how.star_width) {
-            width = std::get<piece.argument>(arguments);
+struct piece_of {
+    static constexpr format_piece PIECE = pieces_of<Format>[Index];
+    static constexpr bool CONVERTS = PIECE.how.type != '\0';
+
+    static consteval bool simple() {
+        if constexpr (CONVERTS) {
+            using argument = std::tuple_element_t<PIECE.value_at(), Arguments>;
+            return fits_argument<PIECE.how, argument>() && is_simple<PIECE.how, argument>();
         }
-        if constexpr (piece.how.star_precision) {
-            precision = std::get<precision_at>(arguments);
-        }
-        put_argument<piece.how>(sink, std::get<value_at>(arguments), width, precision);
+        return true;
     }
+
+    static constexpr std::size_t room(const Arguments& arguments) {
+        if constexpr (CONVERTS) {
+            return PIECE.literal_length + room_for<PIECE.how>(std::get<PIECE.argument>(arguments));
+        }
+        return PIECE.literal_length;
+    }
+
+    template <std::size_t Count>
+    static void collect(std::array<format_argument, Count>& values, const Arguments& arguments) {
+        if constexpr (PIECE.how.star_width) {
+            values[PIECE.argument].value = number_of(std::get<PIECE.argument>(arguments), 'd', '\0');
+        }
+        if constexpr (PIECE.how.star_precision) {
+            values[PIECE.value_at() - 1].value = number_of(std::get<PIECE.value_at() - 1>(arguments), 'd', '\0');
+        }
+        if constexpr (PIECE.how.type == 's') {
+            values[PIECE.value_at()].text = std::get<PIECE.value_at()>(arguments);
+        } else if constexpr (CONVERTS) {
+            values[PIECE.value_at()].value =
+                number_of(std::get<PIECE.value_at()>(arguments), PIECE.how.type, PIECE.how.size);
+        }
+    }
+
+    static char* write(char* out, const Arguments& arguments) {
+        out = std::copy_n(&Format.characters[PIECE.literal_at], PIECE.literal_length, out);
+        if constexpr (CONVERTS) {
+            out = write_argument<PIECE.how>(out, std::get<PIECE.argument>(arguments));
+        }
+        return out;
+    }
+};
+
+/// False, with nothing written, when the format has other conversions or there is no room.
+template <format_text Format, class Arguments, std::size_t... Index>
+bool print_at_once(text_sink& sink, const Arguments& arguments, std::index_sequence<Index...> /*pieces*/) {
+    if constexpr ((piece_of<Format, Index, Arguments>::simple() && ...)) {
+        if (char* const begin = reserve(sink, (piece_of<Format, Index, Arguments>::room(arguments) + ...))) {
+            char* out = begin;
+            ((out = piece_of<Format, Index, Arguments>::write(out, arguments)), ...);
+            sink.used += static_cast<std::size_t>(out - begin);
+            return true;
+        }
+    }
+    return false;
+}
+
+template <format_text Format, class Arguments, std::size_t... Index>
+void print_in_pieces(text_sink& sink, const Arguments& arguments, std::index_sequence<Index...> /*pieces*/) {
+    std::array<format_argument, std::tuple_size_v<Arguments>> values;
+    (piece_of<Format, Index, Arguments>::collect(values, arguments), ...);
+    put_pieces(sink, Format.view(), pieces_of<Format>, values);
 }
 
 }  // namespace detail
@@ -241,9 +345,11 @@ void put_piece(text_sink& sink, [[maybe_unused]] const Arguments& arguments) {
 template <format_text Format, class... Arguments>
 void print_to(text_sink& sink, const Arguments&... arguments) {
     static_assert(detail::count_arguments<Format>() == sizeof...(Arguments), "as many arguments as conversions");
-    const auto all = std::tuple<std::decay_t<const Arguments&>...>(arguments...);
-    [&]<std::size_t... Index>(std::index_sequence<Index...>) { (detail::put_piece<Format, Index>(sink, all), ...); }
-    (std::make_index_sequence<detail::pieces_of<Format>.size()>());
+    const auto all = std::tuple(detail::argument_of(arguments)...);
+    constexpr auto pieces = std::make_index_sequence<detail::pieces_of<Format>.size()>();
+    if (!detail::print_at_once<Format>(sink, all, pieces)) [[unlikely]] {
+        detail::print_in_pieces<Format>(sink, all, pieces);
+    }
 }
 
 /// Writes a text of a table, which may hold one conversion of `value`.

@@ -1,8 +1,11 @@
 #include "base/hex_dump.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <span>
 
+#include "base/number_text.h"
 #include "base/print.h"
 
 namespace ifwatch {
@@ -11,62 +14,63 @@ namespace {
 
 constexpr std::size_t OFFSET_WIDTH_MAX = 10;  // eight digits, a colon and a blank
 
-char hex_digit(unsigned value) { return "0123456789abcdef"[value & 0xF]; }
-
-char* write_blanks(char* out, int count) { return std::fill_n(out, std::max(count, 0), ' '); }
+/// Each octet as it stands in a line: two digits and a blank. The fourth character makes it a word to copy.
+constexpr auto OCTETS = [] {
+    std::array<std::array<char, 4>, 256> all{};
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        all[i] = {hex_digits(false)[i >> 4], hex_digits(false)[i & 0xF], ' ', ' '};
+    }
+    return all;
+}();
 
 char* write_offset(char* out, unsigned offset) {
-    for (int shift = offset > 0xFFFF ? 28 : 12; shift >= 0; shift -= 4) {
-        // Behind offset 0xFFFF the number is written without leading zeros, as "%04x" does.
-        if (shift < 16 || offset >> shift != 0) {
-            *out++ = hex_digit(offset >> shift);
-        }
-    }
+    out = write_hex(out, offset, 4, hex_digits(false));
     *out++ = ':';
     *out++ = ' ';
     return out;
 }
 
-char* write_octets(char* out, std::span<const std::uint8_t> row, int per_line) {
-    int position = 0;
-    for (const unsigned octet : row) {
-        if (position++ == per_line / 2) {
-            *out++ = ' ';
-        }
-        *out++ = hex_digit(octet >> 4);
-        *out++ = hex_digit(octet);
-        *out++ = ' ';
+char* write_octets(char* out, std::span<const std::uint8_t> octets) {
+    for (const std::uint8_t octet : octets) {
+        std::memcpy(out, OCTETS[octet].data(), OCTETS[octet].size());
+        out += 3;
     }
-    const bool gap_missing = position <= per_line / 2;
-    return write_blanks(out, 3 * (per_line - position) + (gap_missing ? 1 : 0));
+    return out;
 }
 
-char* write_characters(char* out, std::span<const std::uint8_t> row, int per_line) {
-    for (const std::uint8_t octet : row) {
-        *out++ = is_printable(octet) ? static_cast<char>(octet) : '.';
-    }
-    return write_blanks(out, per_line - static_cast<int>(row.size()));
+/// The octets with a gap in the middle, and blanks for those that a full line has more.
+char* write_row(char* out, std::span<const std::uint8_t> row, std::size_t per_line) {
+    const std::size_t half = std::min(row.size(), per_line / 2);
+    out = write_octets(out, row.first(half));
+    *out++ = ' ';
+    out = write_octets(out, row.subspan(half));
+    return std::fill_n(out, 3 * (per_line - row.size()), ' ');
+}
+
+char* write_characters(char* out, std::span<const std::uint8_t> row, std::size_t per_line) {
+    out = std::ranges::transform(row, out, [](std::uint8_t octet) {
+              return is_printable(octet) ? static_cast<char>(octet) : '.';
+          }).out;
+    return std::fill_n(out, per_line - row.size(), ' ');
 }
 
 }  // namespace
 
 void hex_dump(octets data, int length, int per_line, int indent) {
-    per_line = std::max(per_line, 1);
-    indent = std::max(indent, 0);
-    const int count = std::min(length, data.held());
-    const auto line_width =
-        static_cast<std::size_t>(indent) + OFFSET_WIDTH_MAX + 4 * static_cast<std::size_t>(per_line) + 3;
-    for (int offset = 0; offset < count; offset += per_line) {
-        char* const line = reserve(standard_output, line_width);
+    const auto width = static_cast<std::size_t>(std::max(per_line, 1));
+    const auto blanks = static_cast<std::size_t>(std::max(indent, 0));
+    const auto shown = data.run(0, length);
+    for (std::size_t offset = 0; offset < shown.size(); offset += width) {
+        char* const line = reserve(standard_output, blanks + OFFSET_WIDTH_MAX + 4 * width + 3);
         if (line == nullptr) {
             return;
         }
-        const auto row = data.run(offset, std::min(per_line, count - offset));
-        char* out = write_blanks(line, indent);
-        out = write_offset(out, static_cast<unsigned>(offset));
-        out = write_octets(out, row, per_line);
+        const auto row = shown.subspan(offset, std::min(width, shown.size() - offset));
+        char* out = std::fill_n(line, blanks, ' ');
+        out = write_offset(out, static_cast<std::uint32_t>(offset));
+        out = write_row(out, row, width);
         *out++ = ' ';
-        out = write_characters(out, row, per_line);
+        out = write_characters(out, row, width);
         *out++ = '\n';
         standard_output.used += static_cast<std::size_t>(out - line);
     }

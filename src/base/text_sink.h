@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -19,11 +20,27 @@ struct text_sink {
     [[nodiscard]] std::string_view text() const { return {data, used}; }
 };
 
-/// Room for `n` characters at data + used (the caller adds to `used` what it writes), or nullptr when there is none.
-[[nodiscard]] char* reserve(text_sink& sink, std::size_t n);
+/// Drains the sink to make room. True when there is room for `n` characters now.
+[[nodiscard]] bool make_room(text_sink& sink, std::size_t n);
 
-void put(text_sink& sink, std::string_view text);
-void put(text_sink& sink, char character);
+/// Room for `n` characters at data + used (the caller adds to `used` what it writes), or nullptr when there is none.
+[[nodiscard]] inline char* reserve(text_sink& sink, std::size_t n) {
+    return sink.capacity - sink.used >= n || make_room(sink, n) ? sink.data + sink.used : nullptr;
+}
+
+/// Puts a text that is longer than the room in the sink.
+void put_in_parts(text_sink& sink, std::string_view text);
+
+inline void put(text_sink& sink, std::string_view text) {
+    if (sink.capacity - sink.used < text.size()) {
+        put_in_parts(sink, text);
+        return;
+    }
+    std::copy_n(text.data(), text.size(), sink.data + sink.used);
+    sink.used += text.size();
+}
+
+inline void put(text_sink& sink, char character) { put(sink, std::string_view(&character, 1)); }
 void put_run(text_sink& sink, char character, std::size_t count);
 
 /// A sink of N characters of its own, for a text that is built before it is printed. What does not fit is cut.

@@ -1,0 +1,137 @@
+// Serves trace records to whoever connects, as a daemon of protocol version 1 does, at full speed:
+//
+//     trace_feeder [--pause RECORDS] RECORDS SOURCE
+//
+// The records of the source, repeated to the number asked for, go to each client in turn. The first line of the
+// standard output is the port. After --pause RECORDS, and after the last, the feeder waits until the client's system
+// has taken all that was sent, prints a line and goes on when it has read one. It runs until it is killed.
+
+#include <linux/sockios.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
+#include <string>
+
+#include "trace/element.h"
+#include "traffic.h"
+
+namespace {
+
+using namespace ifwatch;
+
+constexpr int REQUEST_LENGTH = 20;
+
+struct serving {
+    bench::traffic block;
+    unsigned long records = 0;
+    unsigned long pause = 0;  // 0: none
+};
+
+int fail(const char* what) {
+    std::perror(what);
+    return 1;
+}
+
+/// A listening socket on a free port of the loopback interface, or -1.
+int listen_on_loopback(std::uint16_t& port) {
+    const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t length = sizeof address;
+    auto* const generic = reinterpret_cast<sockaddr*>(&address);
+    if (fd < 0 || bind(fd, generic, length) != 0 || listen(fd, 1) != 0 || getsockname(fd, generic, &length) != 0) {
+        return -1;
+    }
+    port = ntohs(address.sin_port);
+    return fd;
+}
+
+bool say_and_wait(int client, unsigned long sent) {
+    int unsent = 1;
+    while (ioctl(client, SIOCOUTQ, &unsent) == 0 && unsent != 0) {
+        poll(nullptr, 0, 1);
+    }
+    std::printf("%lu\n", sent);
+    std::fflush(stdout);
+    return std::getchar() == '\n';
+}
+
+/// Sends the next records of the block, `count` at most. Returns how many, or 0 when the client has gone.
+unsigned long send_some(int client, bench::traffic& block, unsigned long sent, unsigned long count) {
+    bench::number_records(block, static_cast<std::uint32_t>(sent + 1));
+    count = std::min(count, static_cast<unsigned long>(block.starts.size()));
+    const std::size_t length = count == block.starts.size() ? block.octets.size() : block.starts[count];
+    return write_all(client, std::span(block.octets).first(length)) ? count : 0;
+}
+
+void serve(int client, serving& what) {
+    std::uint8_t request[REQUEST_LENGTH];
+    const std::uint8_t acknowledge = static_cast<std::uint8_t>(what.block.channel_type);
+    if (read_n(client, request, REQUEST_LENGTH) != REQUEST_LENGTH || !write_all(client, {&acknowledge, 1})) {
+        return;
+    }
+    unsigned long sent = 0;
+    while (sent < what.records) {
+        const unsigned long until = sent < what.pause ? what.pause : what.records;
+        const unsigned long count = send_some(client, what.block, sent, until - sent);
+        if (count == 0) {
+            return;
+        }
+        sent += count;
+        const bool halts = what.pause != 0 && (sent == what.pause || sent == what.records);
+        if (halts && !say_and_wait(client, sent)) {
+            return;
+        }
+    }
+}
+
+bool read_arguments(std::span<char*> arguments, serving& what) {
+    if (arguments.size() > 2 && std::string(arguments[1]) == "--pause") {
+        what.pause = std::strtoul(arguments[2], nullptr, 10);
+        arguments = arguments.subspan(2);
+    }
+    if (arguments.size() != 3) {
+        std::fputs("usage: trace_feeder [--pause RECORDS] RECORDS SOURCE\n", stderr);
+        return false;
+    }
+    what.records = std::strtoul(arguments[1], nullptr, 10);
+    std::string error;
+    if (!bench::find_traffic(arguments[2], what.block, error)) {
+        std::fprintf(stderr, "trace_feeder: %s\n", error.c_str());
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    serving what;
+    std::uint16_t port = 0;
+    if (!read_arguments({argv, static_cast<std::size_t>(argc)}, what)) {
+        return 2;
+    }
+    const int listening = listen_on_loopback(port);
+    if (listening < 0) {
+        return fail("trace_feeder: listen");
+    }
+    std::printf("%d\n", port);
+    std::fflush(stdout);
+    for (;;) {
+        const int client = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
+        if (client < 0) {
+            return fail("trace_feeder: accept");
+        }
+        serve(client, what);
+        close(client);
+    }
+}

@@ -1,0 +1,79 @@
+// Shows the records of case files for whoever counts what that takes: each file, under all its options lines, in one
+// call of show_case, which reads no file and prints to nowhere. Usage: show_cases CASE...
+
+#include <cstdio>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "base/print.h"
+#include "display/display_context.h"
+#include "display/record_display.h"
+#include "sim/case_file.h"
+#include "support/case_options.h"
+
+namespace {
+
+using namespace ifwatch;
+
+/// A case, and the mode flags of each of its options lines.
+struct shown_case {
+    sim::trace_case trace;
+    std::vector<std::uint32_t> mode_flags;
+};
+
+long discard(const char* /*data*/, std::size_t length) { return static_cast<long>(length); }
+
+bool read_case(const std::string& path, shown_case& what) {
+    std::string error;
+    if (!sim::read_case_file(path, what.trace, error)) {
+        static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
+        return false;
+    }
+    for (const std::string& options : what.trace.options) {
+        what.mode_flags.push_back(test::mode_flags_of(options));
+    }
+    return true;
+}
+
+void show(display_context& context, sim::case_record& record) {
+    const record_header header{.timestamp_ms = record.timestamp_ms,
+                               .record_flags = record.flags,
+                               .channel_info = record.info,
+                               .sequence = record.sequence};
+    context.header = &header;
+    context.payload = octets_of(record.data);
+    context.original_length = record.data.empty() ? 0 : record.original_length;
+    display_record(context);
+    flush_output();
+    context.header = nullptr;
+}
+
+}  // namespace
+
+/// By this name the counter finds it.
+extern "C" [[gnu::noinline]] void show_case(shown_case& what, display_context& context) {
+    for (const std::uint32_t mode_flags : what.mode_flags) {
+        init_display_context(context);
+        context.mode_flags = mode_flags;
+        context.channel_type = what.trace.channel_type;
+        apply_default_flags(context);
+        for (sim::case_record& record : what.trace.records) {
+            show(context, record);
+        }
+    }
+}
+
+int main(int argc, char** argv) {
+    set_output_writer(discard);
+    const auto context = std::make_unique<display_context>();
+    for (const std::string path : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
+        shown_case what;
+        if (!read_case(path, what)) {
+            return 1;
+        }
+        show_case(what, *context);
+    }
+    return 0;
+}
