@@ -49,14 +49,13 @@ std::uint32_t timestamp_of(const pcap_packet& packet, const pcap_packet& first, 
 case_record make_record(const pcap_packet& packet, link_header header, int channel_type, const sent_rule& rule) {
     const std::size_t header_length = link_header_length(header);
     const link_facts facts = read_link_header(header, packet.data);
-    case_record record;
-    if (channel_type == CHANNEL_TUNNEL) {
-        record.data.assign(std::begin(TUNNEL_PREFIX), std::end(TUNNEL_PREFIX));
-    }
-    const std::size_t original = packet.original_length - header_length + record.data.size();
+    const auto prefix = std::span(TUNNEL_PREFIX).first(channel_type == CHANNEL_TUNNEL ? std::size(TUNNEL_PREFIX) : 0);
     const auto frame = packet.data.subspan(header_length);
-    const auto kept = frame.first(std::min(frame.size(), std::size_t{RECORD_DATA_MAXIMUM} - record.data.size()));
-    record.data.insert(record.data.end(), kept.begin(), kept.end());
+    const auto kept = frame.first(std::min(frame.size(), std::size_t{RECORD_DATA_MAXIMUM} - prefix.size()));
+    const std::size_t original = packet.original_length - header_length + prefix.size();
+    case_record record;
+    record.data.resize(prefix.size() + kept.size());
+    std::ranges::copy(kept, std::ranges::copy(prefix, record.data.begin()).out);
     record.original_length = static_cast<std::uint16_t>(std::min<std::size_t>(original, ORIGINAL_LENGTH_MAXIMUM));
     record.info = is_atm(channel_type) ? facts.info : 0;
     record.flags = facts.sent.value_or(is_sent(rule, channel_type, record.data)) ? 1 : 0;
