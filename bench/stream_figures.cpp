@@ -177,6 +177,26 @@ bool write_empty_pcap(const workplace& place) {
            std::fwrite(header.data(), header.size(), 1, to) == 1 && std::fclose(from) == 0 && std::fclose(to) == 0;
 }
 
+struct call_trace {
+    std::string name;
+    const char* source;
+};
+
+/// The whole program for each octet of text it prints, and how much of that is more than the floor.
+void measure_calls(const workplace& place, const call_trace& calls, figures& rows) {
+    const server feeder(serve(place, calls.source));
+    const command program = trace(place, feeder, {"-2", "-3", "-h"});
+    const auto text = static_cast<double>(record_writes(place, program)) / RECORDS;
+    const auto times = take_turns(program, floor_of(place, feeder), [](const command& what) { return run(what); });
+    figure whole = row_below((calls.name + ", an octet of text").c_str(), NANOSECONDS, times.program * 1e3 / text, 3);
+    whole.floor = decimal(times.floor * 1e3 / text, 2) + NANOSECONDS;
+    whole.ratio = decimal(times.program / times.floor, 2);
+    rows.push_back(whole);
+    rows.push_back({.name = calls.name + ", above the floor",
+                    .value = decimal((times.program - times.floor) * 1e3 / text, 2) + NANOSECONDS});
+    rows.push_back({.name = calls.name + ", text of a record", .value = decimal(text, 0) + " octets"});
+}
+
 }  // namespace
 
 void measure_streams(const workplace& place, figures& rows) {
@@ -191,16 +211,8 @@ void measure_streams(const workplace& place, figures& rows) {
 }
 
 void measure_dchannel(const workplace& place, figures& rows) {
-    const server feeder(serve(place, "samples/isdn-call.case"));
-    const command program = trace(place, feeder, {"-2", "-3", "-h"});
-    const auto text = static_cast<double>(record_writes(place, program)) / RECORDS;
-    const auto times = take_turns(program, floor_of(place, feeder), [](const command& what) { return run(what); });
-    figure whole = row_below("D-channel, an octet of text", NANOSECONDS, times.program * 1e3 / text, 3);
-    whole.floor = decimal(times.floor * 1e3 / text, 2) + NANOSECONDS;
-    whole.ratio = decimal(times.program / times.floor, 2);
-    rows.push_back(whole);
-    rows.push_back(row_below("D-channel, decoding alone", NANOSECONDS, (times.program - times.floor) * 1e3 / text, 3));
-    rows.push_back({.name = "octets of text a D-channel record", .value = decimal(text, 0)});
+    measure_calls(place, {"D-channel, all elements", "tests/golden/isdn/elements.case"}, rows);
+    measure_calls(place, {"D-channel, a call", "samples/isdn-call.case"}, rows);
 }
 
 }  // namespace ifwatch::bench

@@ -14,8 +14,9 @@ constexpr auto PAIRS = [] {
     return pairs;
 }();
 
+constexpr std::uint32_t POWERS[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
+
 int count_digits(std::uint32_t value) {
-    constexpr std::uint32_t POWERS[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
     const int estimate = static_cast<int>(std::bit_width(value | 1U)) * 1233 >> 12;  // log10(2) is about 1233/4096
     return value < POWERS[estimate] ? estimate : estimate + 1;
 }
