@@ -54,6 +54,7 @@ TEST(format, hexadecimal) {
     EXPECT_EQ(formatted<"%x|%X|%02x|%04X|%1X">(0xAB, 0xAB, 5, 0xABC, 0xF0), "ab|AB|05|0ABC|F0");
     EXPECT_EQ(formatted<"0x%08x">(std::uint32_t{0xDEADBEEF}), "0xdeadbeef");
     EXPECT_EQ(formatted<"%x">(0), "0");
+    EXPECT_EQ(formatted<"%x">(std::uint64_t{0x123456789A}), "3456789a");
     EXPECT_EQ(formatted<"%4X|%-4x|">(0xA, 0xA), "   A|a   |");
 }
 

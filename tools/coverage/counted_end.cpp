@@ -13,7 +13,7 @@ void lift(decltype(RLIMIT_NOFILE) what) {
     }
 }
 
-/// What a test has limited must not keep the counts from being written. Runs before they are, at the end of `main`, too.
+/// What a test has limited must not keep the counts from being written. Runs also before they are at the end of `main`.
 [[gnu::destructor]] void lift_limits() {
     lift(RLIMIT_NOFILE);
     lift(RLIMIT_FSIZE);
@@ -23,7 +23,7 @@ void lift(decltype(RLIMIT_NOFILE) what) {
 
 extern "C" {
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the names are those of the compiler's library and of the linker
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the names are those of the compiler's library and of the linker
 void __gcov_dump();
 [[noreturn]] void __real__exit(int status);
 int __real_raise(int number);
@@ -39,5 +39,5 @@ int __wrap_raise(int number) {
     __gcov_dump();
     return __real_raise(number);
 }
-// NOLINTEND(bugprone-reserved-identifier)
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 }
