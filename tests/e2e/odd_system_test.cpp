@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "support/process.h"
+#include "support/programs.h"
 #include "support/scripted_daemon.h"
 #include "support/temp_directory.h"
 #include "support/trace_records.h"

@@ -23,7 +23,8 @@ void lift(decltype(RLIMIT_NOFILE) what) {
 
 extern "C" {
 
-// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the names are those of the compiler's library and of the linker
+// The names are those of the compiler's library and of the linker.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 void __gcov_dump();
 [[noreturn]] void __real__exit(int status);
 int __real_raise(int number);
