@@ -17,6 +17,7 @@ void lift(decltype(RLIMIT_NOFILE) what) {
 [[gnu::destructor]] void lift_limits() {
     lift(RLIMIT_NOFILE);
     lift(RLIMIT_FSIZE);
+    lift(RLIMIT_AS);
 }
 
 }  // namespace
