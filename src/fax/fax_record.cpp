@@ -68,9 +68,9 @@ void dump_data(octets record, bool sent, display_context& context) {
     } else if (framing == FRAMING_ECM) {
         print<"\tT.4   ">();
         dump_hdlc_frame(record);
-    } else if (framing == FRAMING_T30 && record.length <= 3) {
+    } else if (record.length <= 3) {
         print<"\tT.30 short message\n">();
-    } else if (framing == FRAMING_T30) {
+    } else {
         print<"\tT.30  ">();
         dump_hdlc_frame(record);
     }

@@ -116,7 +116,7 @@ void prompt_password(std::string_view prompt, std::span<char, 32> password) {
             password[length++] = static_cast<char>(character);
         }
     }
-    while (length > 0 && (password[length - 1] == '\r' || password[length - 1] == '\n')) {
+    while (length > 0 && password[length - 1] == '\r') {
         --length;
     }
     password[length] = '\0';

@@ -91,7 +91,9 @@ TEST(broken_connection, refuses_the_login_and_version_1_is_tried) {
 
 /// Changes a limit of a running program.
 void limit(pid_t program, decltype(RLIMIT_NOFILE) what, rlim_t value) {
-    const rlimit wanted = {value, value};
+    rlimit wanted{};
+    ASSERT_EQ(prlimit(program, what, nullptr, &wanted), 0);
+    wanted.rlim_cur = value;
     EXPECT_EQ(prlimit(program, what, &wanted, nullptr), 0);
 }
 

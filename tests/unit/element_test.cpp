@@ -67,6 +67,13 @@ TEST(read_element, ninety_nine_octets_fit_and_a_hundred_do_not) {
     EXPECT_EQ(over.data[0], 0) << "the data are left on the stream";
 }
 
+TEST(read_element, without_data_needs_no_buffer) {
+    const octet_pipe pipe({0, 0, 0, 5});
+    std::uint32_t header = 0;
+    EXPECT_EQ(read_element(pipe.reader(), header, {}), nullptr);
+    EXPECT_EQ(header, 5U);
+}
+
 TEST(read_element, stream_ends_in_the_header) {
     for (const auto& stream : {std::vector<std::uint8_t>{}, {0}, {0, 0}, {0, 0, 1}}) {
         const element_read got = read_one(stream);

@@ -35,6 +35,7 @@ TEST(format, decimal) {
     EXPECT_EQ(formatted<"%d">(std::uint32_t{0xFFFFFFFF}), "-1");
     EXPECT_EQ(formatted<"%d">(std::int32_t{-2147483647 - 1}), "-2147483648");
     EXPECT_EQ(formatted<"%5d|%-5d|%05d|%1d">(-42, -42, -42, 123), "  -42|-42  |-0042|123");
+    EXPECT_EQ(formatted<"%-05d|%0-5d|">(42, 42), "42   |42   |") << "no zeros behind a number";
     EXPECT_EQ(formatted<"%u">(std::int32_t{-1}), "4294967295");
     EXPECT_EQ(formatted<"%u">(std::uint8_t{255}), "255");
 }
@@ -44,6 +45,7 @@ TEST(format, long_keeps_an_unsigned_word_positive) {
     EXPECT_EQ(formatted<"%ld">(std::int32_t{-5}), "-5");
     EXPECT_EQ(formatted<"%lx">(std::int32_t{-1}), "ffffffff");
     EXPECT_EQ(formatted<"%08ld">(std::uint32_t{17}), "00000017");
+    EXPECT_EQ(formatted<"%lu|%lx">(std::uint64_t{1} << 40, std::uint64_t{1} << 40), "1099511627776|10000000000");
 }
 
 TEST(format, half_words) { EXPECT_EQ(formatted<"%hd|%hu">(0x1FFFF, 0x1FFFE), "-1|65534"); }
@@ -52,6 +54,7 @@ TEST(format, hexadecimal) {
     EXPECT_EQ(formatted<"%x|%X|%02x|%04X|%1X">(0xAB, 0xAB, 5, 0xABC, 0xF0), "ab|AB|05|0ABC|F0");
     EXPECT_EQ(formatted<"0x%08x">(std::uint32_t{0xDEADBEEF}), "0xdeadbeef");
     EXPECT_EQ(formatted<"%x">(0), "0");
+    EXPECT_EQ(formatted<"%x">(std::uint64_t{0x123456789A}), "3456789a");
     EXPECT_EQ(formatted<"%4X|%-4x|">(0xA, 0xA), "   A|a   |");
 }
 
@@ -67,6 +70,7 @@ TEST(format, texts) {
     EXPECT_EQ(formatted<"%s">(table_text("of a table")), "of a table");
     EXPECT_EQ(formatted<"%*.*s|">(5, 2, "abcdef"), "   ab|");
     EXPECT_EQ(formatted<"%*.*s|">(-5, -1, "abc"), "abc  |");
+    EXPECT_EQ(formatted<"%-*s|%*d|">(5, "abc", 3, 7), "abc  |  7|");
     EXPECT_EQ(formatted<"%-24.24s|">("a name that is longer than its column"), "a name that is longer th|");
 }
 
@@ -101,6 +105,15 @@ TEST(format, named_texts_hold_at_most_one_number) {
     EXPECT_EQ(named("unknown code %d", 0xFFFFFFFF), "unknown code -1");
     EXPECT_EQ(named("\n!!!\t(0x%x) %%", 0xAB), "\n!!!\t(0xab) %");
     EXPECT_EQ(named("TSI(%c)", 'T'), "TSI(T)");
+}
+
+TEST(format, named_texts_take_every_flag) {
+    EXPECT_EQ(named("%4x|", 0xAB), "  ab|");
+    EXPECT_EQ(named("%-4x|", 0xAB), "ab  |");
+    EXPECT_EQ(named("%04x|", 0xAB), "00ab|");
+    EXPECT_EQ(named("%.3d|", 7), "007|");
+    EXPECT_EQ(named("%hd|", 0x1FFFF), "-1|");
+    EXPECT_EQ(named("%lu|", 0xFFFFFFFF), "4294967295|");
 }
 
 TEST(print, is_written_once_when_flushed) {

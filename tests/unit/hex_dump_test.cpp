@@ -61,6 +61,8 @@ TEST(hex_dump, nothing_to_print) {
     EXPECT_EQ(dumped({}, 5, 16, 0), "");
 }
 
+TEST(hex_dump, a_line_longer_than_the_output_buffer_is_not_printed) { EXPECT_EQ(dumped({0x41}, 1, 20000, 0), ""); }
+
 TEST(hex_dump, only_what_is_held) {
     EXPECT_EQ(dumped({0x41}, 400, 4, 0), "0000: 41 " + std::string(3 * 3 + 1, ' ') + " A" + std::string(3, ' ') + "\n");
 }

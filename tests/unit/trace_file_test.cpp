@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -9,6 +10,8 @@
 #include "display/display_context.h"
 #include "display/mode_flags.h"
 #include "support/captured_output.h"
+#include "support/octet_pipe.h"
+#include "support/replaced_descriptor.h"
 #include "trace/record_stream.h"
 
 namespace ifwatch {
@@ -131,6 +134,34 @@ TEST_F(trace_file, refuses_another_protocol_part) {
 TEST_F(trace_file, refuses_a_record_that_cannot_be_held) {
     EXPECT_EQ(read(join({0}, record(21, {}))).errors, REPORT + "data too short! (0 instead of -1)\n");
     EXPECT_EQ(read(join({0}, record(8192 + 23, {}))).errors, REPORT + "data too short! (0 instead of 8193)\n");
+}
+
+TEST_F(trace_file, may_be_the_standard_input) {
+    const octet_pipe pipe(join({0}, record(25, {2, 1, 0x7F})));
+    const test::replaced_descriptor input(STDIN_FILENO, pipe.reader());
+    display_context context;
+    context.mode_flags = MODE_LAYER2_ASKED;
+    captured_output output;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(read_trace_file("-", trace_target{}, context), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), REPORT + "msg1 too short!\n");
+    EXPECT_EQ(output.take(),
+              "000001.234 X #00000001 DATA[0003]   \n"
+              "\tSAPI=00\tC/R=1\tTEI=00\tSABME P/F=1\n\n");
+}
+
+TEST_F(trace_file, ends_with_an_output_that_fails) {
+    const octet_pipe pipe(join(join({0}, record(25, {2, 1, 0x7F})), record(25, {2, 1, 0x7F})));
+    const test::replaced_descriptor input(STDIN_FILENO, pipe.reader());
+    display_context context;
+    set_output_writer([](const char*, std::size_t) {
+        errno = ENOSPC;
+        return -1L;
+    });
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(read_trace_file("-", trace_target{}, context), 1);
+    set_output_writer(nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), REPORT + "ERROR write (No space left on device)\n");
 }
 
 TEST_F(trace_file, that_cannot_be_opened_ends_the_process) {
