@@ -1,5 +1,6 @@
 #include "client/signals.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -16,6 +17,8 @@ namespace ifwatch {
 
 namespace {
 
+constexpr int ENDING_SIGNALS[] = {SIGHUP, SIGINT, SIGTERM};
+
 // NOLINTNEXTLINE(*-avoid-non-const-global-variables): all that a handler can reach
 std::atomic<const char*> pipe_to_remove = nullptr;
 static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler reads it");
@@ -23,12 +26,18 @@ static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler r
 // A handler may interrupt the program anywhere, also inside report: it calls only functions that are safe there, and
 // formats into a buffer of its own.
 
+/// Whether the error stream takes a text now. When nobody reads it, a run that is told to end does not wait for that.
+bool takes_text() {
+    pollfd stream{STDERR_FILENO, POLLOUT, 0};
+    return poll(&stream, 1, 0) > 0;
+}
+
 template <format_text Format, class... Arguments>
 void report_from_handler(const Arguments&... arguments) {
     text_buffer<PATH_MAX + 128> buffer;
     print_to<Format>(buffer, arguments...);
     std::string_view text = buffer.text();
-    while (!text.empty()) {
+    while (!text.empty() && takes_text()) {
         const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
         if (written <= 0) {
             return;
@@ -69,9 +78,21 @@ void install(int number, void (*handler)(int)) {
 
 }  // namespace
 
+held_signals::held_signals() {
+    sigset_t held;
+    sigemptyset(&held);
+    for (const int number : ENDING_SIGNALS) {
+        sigaddset(&held, number);
+    }
+    sigaddset(&held, SIGPIPE);
+    sigprocmask(SIG_BLOCK, &held, &before_);
+}
+
+held_signals::~held_signals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
 void remove_pipe_on_signal(const char* pipe_name) {
     pipe_to_remove = pipe_name;
-    for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+    for (const int number : ENDING_SIGNALS) {
         install(number, end_by_signal);
     }
     install(SIGPIPE, end_by_broken_pipe);

@@ -1,6 +1,22 @@
 #pragma once
 
+#include <csignal>
+
 namespace ifwatch {
+
+/// While it lives, the signals that remove_pipe_on_signal handles wait.
+class held_signals {
+public:
+    held_signals();
+    ~held_signals();
+    held_signals(const held_signals&) = delete;
+    held_signals& operator=(const held_signals&) = delete;
+    held_signals(held_signals&&) = delete;
+    held_signals& operator=(held_signals&&) = delete;
+
+private:
+    sigset_t before_{};
+};
 
 /// From now on a hang-up, interrupt or termination signal removes this named pipe and ends the process with status 1; a
 /// broken pipe (the analyser has closed its end) removes it and ends the process as that signal does by default. The

@@ -54,21 +54,34 @@ bool may_be_removed(const char* name) {
            (!S_ISCHR(target.st_mode) && !S_ISBLK(target.st_mode) && !is_standard_stream(target));
 }
 
-/// Removes an old file of the name. Returns the flags to open a new one with: where others may write too, as in /tmp,
-/// none of them may put a file or a link of their own in its place meanwhile. What stays by right is opened as it is;
-/// an old link that could not be removed is not followed.
-int make_way(const char* name) {
-    if (!may_be_removed(name)) {
-        return O_CREAT | O_TRUNC;
+/// Removes an old file of the name. Returns the flags to open the sink with. Where others may write, too, as in /tmp,
+/// none of them may put a file or a link of their own in its place: only a name that the user chose is followed, and
+/// only when it stood for a device or a stream of this program.
+int make_way(const char* name, bool chosen) {
+    const bool removable = may_be_removed(name);
+    if (removable && (unlink(name) == 0 || errno == ENOENT)) {
+        return O_CREAT | O_EXCL;
     }
-    const bool free = unlink(name) == 0 || errno == ENOENT;
-    return free ? O_CREAT | O_EXCL : O_CREAT | O_TRUNC | O_NOFOLLOW;
+    return removable || !chosen ? O_NOFOLLOW : 0;
+}
+
+/// Whether a sink that was there before it was opened is one to write to: a device, a stream of this program, or a file
+/// or pipe of this user's own under no other name (or under none: its reader may be quick to remove it).
+bool is_ours(int fd) {
+    struct stat file {};
+    if (fstat(fd, &file) != 0) {
+        return false;
+    }
+    const bool own =
+        file.st_uid == geteuid() && file.st_nlink <= 1 && (S_ISREG(file.st_mode) || S_ISFIFO(file.st_mode));
+    return own || S_ISCHR(file.st_mode) || S_ISBLK(file.st_mode) || is_standard_stream(file);
 }
 
 bool create_pipe(const char* name) {
     if (verbose_level >= 0) {
         report<"created pipe: %s\n">(name);
     }
+    const held_signals held;  // between the two nobody would remove the pipe
     if (mkfifo(name, OWNER_ONLY) != 0) {
         report<"ERROR cannot create pipe %s (%s)\n">(name, std::strerror(errno));
         return false;
@@ -85,15 +98,30 @@ void find_reader(const char* pipe_name, bool wants_analyser) {
     }
 }
 
+int open_sink(const char* name, int flags) {
+    int fd = -1;
+    do {
+        fd = open(name, O_WRONLY | O_CLOEXEC | flags, OWNER_ONLY);
+    } while (fd < 0 && errno == EINTR);
+    if (fd < 0 || (flags & O_EXCL) != 0) {
+        return fd;
+    }
+    if (!is_ours(fd)) {
+        close(fd);
+        errno = EPERM;
+        return -1;
+    }
+    // Only a file can be cut, and only one that was there needs it.
+    static_cast<void>(ftruncate(fd, 0) == 0);
+    return fd;
+}
+
 /// The descriptor, or -1 after a message.
 int open_for_writing(const char* name, int flags) {
     if (verbose_level > 0) {
         report<"open file %s\n">(name);
     }
-    int fd = -1;
-    do {
-        fd = open(name, O_WRONLY | O_CLOEXEC | flags, OWNER_ONLY);
-    } while (fd < 0 && errno == EINTR);
+    const int fd = open_sink(name, flags);
     if (fd < 0) {
         report<"ERROR cannot open %s (%s)\n">(name, std::strerror(errno));
     }
@@ -107,7 +135,7 @@ pcap_sink::~pcap_sink() { remove_pipe(); }
 bool pcap_sink::open(const options& settings) {
     build_name(settings, name_);
     const char* const name = name_.c_str();
-    int flags = make_way(name);
+    int flags = make_way(name, settings.output_name != nullptr);
     if (settings.sink == SINK_FILE) {
         report<"created file: %s\n">(name);
     } else if (create_pipe(name)) {

@@ -17,6 +17,7 @@
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/scripted_daemon.h"
+#include "support/session_script.h"
 #include "support/temp_directory.h"
 #include "support/trace_records.h"
 
@@ -59,26 +60,17 @@ TEST(odd_system, no_descriptor_is_left_to_say_so) {
     EXPECT_EQ(got.output, "");
 }
 
-TEST(odd_system, has_no_md5_and_version_1_is_tried) {
+TEST(odd_system, logs_in_where_its_configuration_allows_no_md5) {
     const temp_directory directory;
     const std::string configuration = directory.write(
         "openssl.cnf",
         "openssl_conf = all\n[all]\nalg_section = algorithms\n[algorithms]\ndefault_properties = fips=yes\n");
-    const scripted_daemon daemon({[](const tcp_peer& client) {
-                                      client.receive(TRACE_REQUEST_OCTETS);
-                                      client.send_element(2, {3});
-                                      client.send_element(10, {0, 0, 0, 0, 0, 0, 0, 0, 0});
-                                      client.receive_all();
-                                  },
-                                  [](const tcp_peer& client) { client.receive(TRACE_REQUEST_OCTETS); }});
+    const scripted_daemon daemon(replying({0, 0, 1, 1, CHANNEL_TYPE_LAN, 0, 0, 0, 0}));
     const outcome got = run({.program = IFWATCH_PROGRAM,
                              .arguments = {daemon.port_option(), "--pwd=x", "127.0.0.1", "1000"},
                              .environment = {{"OPENSSL_CONF", configuration}}});
-    EXPECT_EQ(got.status, 1);
-    const std::string connected = "ifwatch: connected to 127.0.0.1:" + std::to_string(daemon.port()) + "\n";
-    const std::string report = "Ifc:1000 (Chan:0 Unit:0 Slot:1) Type: -1 (not-found)\n ";
-    EXPECT_EQ(got.errors, connected + report + "cannot calc authentication\n" + connected + report +
-                              "negative trace acknowledge\n");
+    EXPECT_EQ(got.status, 0);
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of("6 (LAN)", "") + STREAM_END);
 }
 
 class odd_sink : public testing::Test {

@@ -73,6 +73,48 @@ TEST_F(shared_directory, a_file_in_place_of_the_old_one_is_not_overwritten) {
     expect_refusal(tracer, "File exists");
 }
 
+/// The same program as another user, nobody in particular, whose files in a sticky directory root cannot be mistaken
+/// for.
+command as_another_user(command what) {
+    what.arguments.insert(what.arguments.begin(), {"--reuid=65534", "--regid=65534", "--clear-groups", what.program});
+    what.program = "setpriv";
+    return what;
+}
+
+class another_user : public shared_directory {
+protected:
+    void SetUp() override {
+        if (geteuid() != 0) {
+            GTEST_SKIP() << "only root can be two users";
+        }
+        ASSERT_EQ(chmod(directory.path().c_str(), 01777), 0);
+    }
+    outcome trace_into_it() {
+        return run(as_another_user(tracing(daemon, {"-V1", "--pcap-file", "--ofile=" + name, "127.0.0.1", "1000"})));
+    }
+};
+
+TEST_F(another_user, keeps_a_file_that_is_not_ours) {
+    directory.write("out", "theirs");
+    ASSERT_EQ(chmod(name.c_str(), 0666), 0);
+    const outcome got = trace_into_it();
+    EXPECT_EQ(got.status, 1);
+    EXPECT_THAT(got.errors, EndsWith("ERROR cannot open " + name + " (Operation not permitted)\n"));
+    std::string text;
+    EXPECT_TRUE(read_file(name, text));
+    EXPECT_EQ(text, "theirs");
+}
+
+TEST_F(another_user, gets_nothing_by_a_pipe_in_our_place) {
+    ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
+    ASSERT_EQ(chmod(name.c_str(), 0666), 0);
+    process reader({.program = "cat", .arguments = {name}});
+    const outcome got = trace_into_it();
+    EXPECT_EQ(got.status, 1);
+    EXPECT_THAT(got.errors, EndsWith("ERROR cannot open " + name + " (Operation not permitted)\n"));
+    EXPECT_EQ(reader.wait().output, "");
+}
+
 TEST_F(shared_directory, a_link_in_place_of_the_pipe_is_not_followed) {
     process tracer(held_up("--pcap-pipe", "created pipe: " + name + "\n"));
     ASSERT_TRUE(wait_until(name, true));

@@ -1,12 +1,9 @@
 #include "sim/case_file.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <limits>
-#include <sstream>
 
+#include "sim/input_file.h"
 #include "sim/octet_text.h"
 #include "sim/text_parts.h"
 
@@ -41,6 +38,7 @@ struct case_parser {
     trace_case& parsed;
     int line = 0;               // counted from 1
     bool has_original = false;  // of the last record
+    std::size_t octets = 0;     // of all records
 };
 
 problem parse_channel(case_parser& parser, std::string_view rest) {
@@ -141,7 +139,12 @@ problem parse_octets(case_parser& parser, std::string_view line) {
         return "octets before the first record";
     }
     case_record& record = parser.parsed.records.back();
+    const std::size_t before = record.data.size();
     problem wrong = append_octets(line, MAX_RECORD_DATA, record.data);
+    parser.octets += record.data.size() - before;
+    if (wrong.empty() && parser.octets > MAX_CASE_DATA) {
+        wrong = "a case holds at most " + std::to_string(MAX_CASE_DATA) + " octets";
+    }
     if (!parser.has_original) {
         record.original_length = static_cast<std::uint16_t>(record.data.size());
     }
@@ -194,18 +197,12 @@ bool parse_case(std::string_view text, trace_case& parsed, std::string& error) {
 }
 
 bool read_case_file(const std::string& path, trace_case& parsed, std::string& error) {
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (file.is_open() && file.peek() != std::ifstream::traits_type::eof()) {
-        text << file.rdbuf();
-    }
-    if (!file.is_open() || file.bad() || text.bad()) {
-        error = path + ": " + std::strerror(errno != 0 ? errno : EIO);
+    std::string text;
+    if (!read_input(path, text, error)) {
         return false;
     }
     parsed.path = path;
-    if (!parse_case(text.str(), parsed, error)) {
+    if (!parse_case(text, parsed, error)) {
         error = path + ":" + error;
         return false;
     }

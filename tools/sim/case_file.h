@@ -23,6 +23,9 @@ namespace ifwatch::sim {
 inline constexpr std::size_t RECORD_HEADER_LENGTH = 22;
 inline constexpr std::size_t MAX_RECORD_DATA = 0xFFFF - RECORD_HEADER_LENGTH;  // the record length is a 16-bit field
 
+// Of all records of a case together: a line of a few characters may stand for thousands of octets.
+inline constexpr std::size_t MAX_CASE_DATA = std::size_t{64} << 20;
+
 /// One frame as the router traced it.
 struct case_record {
     std::uint32_t timestamp_ms = 0;

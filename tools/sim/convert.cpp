@@ -2,17 +2,14 @@
 
 #include <arpa/inet.h>
 
-#include <cerrno>
-#include <cstring>
-#include <fstream>
 #include <limits>
 #include <span>
-#include <sstream>
 #include <string_view>
 
 #include "sim/capture.h"
 #include "sim/case_text.h"
 #include "sim/filter.h"
+#include "sim/input_file.h"
 #include "sim/option_table.h"
 #include "sim/output_file.h"
 #include "sim/text_parts.h"
@@ -149,31 +146,15 @@ Records that are no frames (events of the line, single ATM cells) are left out, 
 Exit status: 0, or 2 for a mistake on the command line or in the file; then nothing is written.
 )";
 
-/// Reads a whole file. False with its name and the reason in `error`.
-bool read_octets(const std::string& path, std::vector<std::uint8_t>& octets, std::string& error) {
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (file.is_open() && file.peek() != std::ifstream::traits_type::eof()) {
-        text << file.rdbuf();
-    }
-    if (!file.is_open() || file.bad() || text.bad()) {
-        error = path + ": " + std::strerror(errno != 0 ? errno : EIO);
-        return false;
-    }
-    const std::string_view read = text.view();
-    octets.assign(read.begin(), read.end());
-    return true;
-}
-
 bool import_file(const std::string& path, const conversion& wanted, std::string& /*note*/, std::string& error) {
-    std::vector<std::uint8_t> file;
+    std::string file;
     trace_case imported;
     std::string title;
-    if (!read_octets(path, file, error)) {
+    if (!read_input(path, file, error)) {
         return false;
     }
-    if (!import_capture(file, wanted.import, imported, title, error)) {
+    const std::span octets(reinterpret_cast<const std::uint8_t*>(file.data()), file.size());
+    if (!import_capture(octets, wanted.import, imported, title, error)) {
         error = path + ": " + error;
         return false;
     }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -96,9 +97,7 @@ int run_conversion(int argc, char** argv) {
     return 0;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     if (ifwatch::sim::asks_for_conversion(argc, argv)) {
         return run_conversion(argc, argv);
     }
@@ -111,4 +110,14 @@ int main(int argc, char** argv) {
         return write_output("", std::string_view(ifwatch::sim::help_text()), error) ? 0 : fail(error);
     }
     return serve(options);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        return fail("out of memory");
+    }
 }
