@@ -132,11 +132,15 @@ TEST(fault, wrong_lengths_of_the_reply) {
     } rows[] = {{"1:100", "read buffer overflow"}, {"1:16777214", "read buffer overflow"}};
     for (const auto& row : rows) {
         const trouble with({"--fault", std::string("length=element:") + row.element});
-        EXPECT_EQ(with.watch().errors,
+        const outcome got = with.watch();
+        EXPECT_EQ(got.status, 0) << "version 1 is tried, and served";
+        EXPECT_EQ(got.errors,
                   with.connected() + report_of("-1 (not-found)", row.text) + with.connected() + D_CHANNEL + STREAM_END);
     }
     const trouble with({"--fault", "length=element:0:1", "--close-after", "reply"});
-    EXPECT_EQ(with.watch().errors, with.connected() + report_of("0 (ISDN D-channel)", "missing elem data"))
+    const outcome got = with.watch();
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, with.connected() + report_of("0 (ISDN D-channel)", "missing elem data"))
         << "behind the channel type there is nothing to try again";
 }
 
@@ -169,12 +173,16 @@ TEST(error_of_the_daemon, ends_the_session_with_its_text) {
     const outcome listed = with.sim.watch({}, {});
     EXPECT_EQ(listed.status, 1);
     EXPECT_EQ(listed.errors, with.connected() + " trace is locked\n");
-    EXPECT_EQ(with.watch({"-V1"}).errors, with.connected() + report_of("-1 (not-found)", "negative trace acknowledge"));
+    const outcome old = with.watch({"-V1"});
+    EXPECT_EQ(old.status, 1);
+    EXPECT_EQ(old.errors, with.connected() + report_of("-1 (not-found)", "negative trace acknowledge"));
 }
 
 TEST(error_of_the_daemon, may_have_99_characters) {
     const trouble with({"--error", std::string(98, 'e') + "!more"});
-    EXPECT_EQ(with.watch().errors, with.connected() + report_of("-1 (not-found)", std::string(98, 'e') + "!"));
+    const outcome got = with.watch();
+    EXPECT_EQ(got.status, 1);
+    EXPECT_EQ(got.errors, with.connected() + report_of("-1 (not-found)", std::string(98, 'e') + "!"));
 }
 
 TEST(error_of_the_daemon, leaves_no_sink_behind) {

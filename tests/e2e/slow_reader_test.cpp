@@ -190,7 +190,9 @@ TEST(slow_input, is_waited_for) {
     for (const char* const part : {"sec", "ret", "\n"}) {
         EXPECT_GT(write(ends[1], part, std::char_traits<char>::length(part)), 0);
     }
-    EXPECT_EQ(tracer.wait().status, 0);
+    const outcome got = tracer.wait();
+    EXPECT_EQ(got.status, 0);
+    EXPECT_EQ(got.errors, connected_to(daemon) + "Enter remote password: " + report_of(NO_TYPE, "") + STREAM_END);
     close(ends[1]);
     // printf 'secret\x01\x11\x22\x33\x44\x55\x66\x77\x88secretadmin' | md5sum
     EXPECT_EQ(reply, (octet_list{0, 0, 9, 10, 1, 0xED, 0xB2, 0xA4, 0xC4, 0xE1, 0x65, 0x86, 0x19}));
@@ -205,7 +207,9 @@ TEST(slow_pcap_reader, gets_every_record) {
     const slow_end reader(open(name.c_str(), O_RDONLY | O_CLOEXEC));
     EXPECT_TRUE(reader.wait_until_full());
     EXPECT_EQ(reader.drain(), pcap_of(RECORDS));
-    EXPECT_EQ(tracer.wait().status, 0);
+    const outcome got = tracer.wait();
+    EXPECT_EQ(got.status, 0);
+    EXPECT_THAT(got.errors, testing::EndsWith(STREAM_END));
 }
 
 }  // namespace

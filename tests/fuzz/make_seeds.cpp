@@ -59,11 +59,12 @@ void append_element(std::string& seed, std::uint8_t type, std::span<const std::u
 std::string trace_seed(const trace_case& trace, std::uint32_t mode_flags) {
     std::string seed;
     append(seed, swap32(mode_flags), 4);
-    append(seed, static_cast<std::uint32_t>(trace.channel_type), 1);
+    append(seed, static_cast<std::uint32_t>(trace.channel_type), 2);
     append(seed, 0xFFFF, 2);
     for (const sim::case_record& record : trace.records) {
-        append(seed, record.flags, 1);
+        append(seed, record.flags, 4);
         append(seed, record.info, 4);
+        append(seed, record.original_length - static_cast<std::uint32_t>(record.data.size()), 2);
         append(seed, 0, 1);
         append(seed, static_cast<std::uint32_t>(record.data.size()), 2);
         append(seed, record.data);
