@@ -3,8 +3,18 @@
 # On a terminal it is paced, for somebody to watch; elsewhere it prints plainly and at once.
 set -eu
 
+if [ "${1:-}" != inside ]; then
+    [ $# -eq 1 ] || {
+        echo "usage: demo.sh BUILD_DIR" >&2
+        exit 2
+    }
+    [ -x "$1/ifwatch" ] || {
+        echo "demo: no program $1/ifwatch" >&2
+        exit 2
+    }
+    exec tools/with_router.sh "$1" "$0" inside "$1"
+fi
 # Inside: the simulated router is there (TRACE_PORT, TRACE_PWD).
-[ "${1:-}" = inside ] || exec tools/with_router.sh "$1" "$0" inside "$1"
 build=$2
 
 OUT=$build/demo # the whole of every output

@@ -6,6 +6,10 @@ set -eu
 
 build=$1
 shift
+[ -x "$build/ifwatch-sim" ] || {
+    echo "with_router: no program $build/ifwatch-sim" >&2
+    exit 2
+}
 work=$(mktemp -d)
 simulator=''
 

@@ -138,8 +138,8 @@ TEST_P(samples, come_back_from_a_capture_as_they_were) {
 const sample SAMPLES[] = {
     {"isdn-call", {"-2", "-3"}, {}, {}},
     {"ppp-dialin", {"-p", "-i"}, {}, {}},
-    {"x25-session", {"-2", "-3", "-t"}, {"-l", "207"}, {}},
-    {"fax-g3", {"-F"}, {}, {}},
+    {"x25-session", {"-2", "-3", "-t"}, {}, {}},
+    {"fax-g3", {"-F"}, {"-l", "204"}, {}},
     {"lan-session", {"-2", "-i"}, {}, {"-s", "02:00:01:01:02:03"}},
     {"token-ring", {"-2", "-i"}, {}, {"-s", "02:00:01:01:02:03"}},
     {"tunnel", {"-i"}, {}, {"--sent", "10.0.0.2"}},
@@ -301,6 +301,7 @@ TEST(import_capture, names_mistakes_in_one_line) {
     const std::string cut = directory.write("cut.pcap", pcap_octets().header(1).word(0).text());
     const std::string bad = directory.write("bad.case", "channel 6\nrecord Q 1\n");
     const std::string pabx = directory.write("pabx.case", "\nchannel -2\n");
+    const std::string fax = directory.write("fax.case", "channel 1\noptions -F\noptions -p\n");
     const std::string strange = directory.file("a\nb");
     const std::string import_help = " (import --help tells more)";
     const std::string export_help = " (export --help tells more)";
@@ -334,6 +335,8 @@ TEST(import_capture, names_mistakes_in_one_line) {
          "export: --link-type takes a link type from 0 to 65535, not '65536'" + export_help},
         {{"export", bad}, bad + ":2: record takes R (received) or X (sent), not 'Q'"},
         {{"export", pabx}, pabx + ":2: no link type fits channel type -2 (PABX); name one with --link-type"},
+        {{"export", fax},
+         fax + ":1: no link type fits channel type 1 (ISDN B-channel) with these options; name one with --link-type"},
     };
     for (const auto& [arguments, error] : mistakes) {
         const outcome refused = run_sim(arguments);
@@ -350,6 +353,45 @@ TEST(import_capture, helps) {
         EXPECT_EQ(helped.errors, "");
         EXPECT_TRUE(helped.output.starts_with("ifwatch-sim " + word + ": ")) << helped.output;
     }
+}
+
+/// The link type in the header of the capture that a case of this text is exported to.
+int exported_link_type(const std::string& text) {
+    const temp_directory directory;
+    const outcome exported = run_sim({"export", directory.write("some.case", text)});
+    EXPECT_EQ(exported.status, 0) << exported.errors;
+    EXPECT_GE(exported.output.size(), 24U) << text;
+    return exported.output.size() < 24 ? -1 : static_cast<unsigned char>(exported.output[20]);
+}
+
+TEST(export_capture, goes_by_the_first_options_of_a_b_channel) {
+    EXPECT_EQ(exported_link_type("channel 1\n"), 204);
+    EXPECT_EQ(exported_link_type("channel 1\noptions -2 -3 -p\n"), 204);
+    EXPECT_EQ(exported_link_type("channel 1\noptions -hpi\n"), 204);
+    EXPECT_EQ(exported_link_type("channel 1\noptions -D3\noptions -p\n"), 207);
+    EXPECT_EQ(exported_link_type("channel 1\noptions -2 -f\n"), 207);
+    EXPECT_EQ(exported_link_type("channel 1\noptions -f -c3 -Ip\n"), 107);
+    EXPECT_EQ(exported_link_type("channel 23\noptions -h\n"), 204) << "no B-channel";
+}
+
+std::string capture_of_sample(const std::string& name) {
+    const outcome exported = run_sim({"export", SAMPLES_DIRECTORY + std::string("/") + name + ".case"});
+    EXPECT_EQ(exported.status, 0) << exported.errors;
+    return exported.output;
+}
+
+/// tcpdump and tshark decode no LAPB; tcpdump tells the link type, by its number or by its name.
+TEST(export_capture, another_analyser_knows_what_a_b_channel_carries) {
+    const temp_directory directory;
+    const std::string lapb = directory.write("x25.pcap", capture_of_sample("x25-session"));
+    const outcome named = run({.program = "tcpdump", .arguments = {"-n", "-r", lapb}, .timeout = PATIENCE});
+    EXPECT_THAT(named.errors, testing::AnyOf(HasSubstr("link-type 207,"), HasSubstr("link-type LAPB")));
+    const std::string ppp = directory.write("ppp.pcap", capture_of_sample("ppp-dialin"));
+    const outcome read = run({.program = "tshark",
+                              .arguments = {"-n", "-r", ppp, "-T", "fields", "-e", "frame.protocols"},
+                              .timeout = PATIENCE});
+    EXPECT_EQ(read.status, 0) << read.errors;
+    EXPECT_THAT(read.output, HasSubstr("ppp:mp:ip:tcp:http"));
 }
 
 TEST(export_capture, counts_what_is_no_frame) {

@@ -150,9 +150,10 @@ bool import_capture(std::span<const std::uint8_t> file, const import_settings& s
 
 bool export_capture(const trace_case& exported, std::optional<std::uint32_t> link_type, std::vector<std::uint8_t>& file,
                     std::size_t& left_out, std::string& error) {
-    link_type = link_type ? link_type : link_type_of(exported.channel_type);
+    link_type = link_type ? link_type : link_type_of(exported);
     if (!link_type) {
-        error = "no link type fits " + channel_text(exported.channel_type) + "; name one with --link-type";
+        error = "no link type fits " + channel_text(exported.channel_type) +
+                (exported.channel_type == CHANNEL_B ? " with these options" : "") + "; name one with --link-type";
         return false;
     }
     const link_kind* const kind = find_link_kind(*link_type);

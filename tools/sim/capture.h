@@ -34,9 +34,9 @@ struct import_settings {
 bool import_capture(std::span<const std::uint8_t> file, const import_settings& settings, trace_case& imported,
                     std::string& title, std::string& error);
 
-/// Makes a classic PCAP file of a case, of the link type given or else that which fits its channel type. Records that
-/// are no frames, events of the line and single ATM cells, are left out and counted in `left_out`. False with what is
-/// wrong in `error`.
+/// Makes a classic PCAP file of a case, of the link type given or else that which fits its channel type, and
+/// on a B-channel its options. Records that are no frames, events of the line and single ATM cells, are left out and
+/// counted in `left_out`. False with what is wrong in `error`.
 bool export_capture(const trace_case& exported, std::optional<std::uint32_t> link_type, std::vector<std::uint8_t>& file,
                     std::size_t& left_out, std::string& error);
 

@@ -136,11 +136,13 @@ Usage: ifwatch-sim export [OPTIONS] FILE.case
   -l, --link-type N      the link type, instead of the one that fits the channel type
 
 Channel types and link types, those that tell the direction where there are such:
-  0 D-channel: 177                     1 B-channel, 23 PPP: 204
+  0 D-channel: 177                     1 B-channel: see below; 23 PPP: 204
   2, 3 ATM: 123                        6, 7, 135 LAN: 1
   8, 9 token rings and buses: 6        16 LAPB: 207
   32 Frame Relay: 107                  118 HDLC: 104
   5 IP over X.25, 131 tunnel: 101      any other: as --link-type says
+What a B-channel carries follows from the letters in the first options line of the case: with p, or without options, PPP
+(204); else with 2 or 3 LAPB (207); else with f Frame Relay (107); with any others name a link type.
 Records that are no frames (events of the line, single ATM cells) are left out, and counted on the error stream.
 
 Exit status: 0, or 2 for a mistake on the command line or in the file; then nothing is written.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <sstream>
 #include <string_view>
 
 #include "sim/channel_types.h"
@@ -21,6 +22,11 @@ constexpr std::uint8_t SUNATM_OTHER = 0;
 constexpr std::uint8_t LLC_SNAP = 0xAA;
 constexpr std::uint8_t LLC_ISO = 0xFE;
 constexpr std::uint32_t CONNECTION_BITS = 0xFFFFFF00;  // of the info word: VPI and VCI
+
+// Of what a B-channel may carry.
+constexpr std::uint32_t PPP_WITH_DIRECTION = 204;
+constexpr std::uint32_t LAPB_WITH_DIRECTION = 207;
+constexpr std::uint32_t FRAME_RELAY = 107;
 
 constexpr const char* LAN_OPTIONS = "-2 -p -i -N";
 constexpr const char* PPP_OPTIONS = "-p -i";
@@ -66,6 +72,31 @@ void append_be16(std::vector<std::uint8_t>& packet, std::uint16_t value) {
     packet.push_back(static_cast<std::uint8_t>(value));
 }
 
+/// The letters of the short options in a text, each argument that an option takes left out.
+std::string letters_of(const std::string& options) {
+    constexpr std::string_view with_argument = "nTcrHPVIB";
+    std::string letters;
+    std::istringstream words(options);
+    for (std::string word; words >> word;) {
+        if (word.size() < 2 || word[0] != '-' || word[1] == '-') {
+            continue;
+        }
+        letters += word.substr(1, word.find_first_of(with_argument) - 1);
+    }
+    return letters;
+}
+
+std::optional<std::uint32_t> bchannel_link_type(const std::string& letters) {
+    const auto asks = [&](const char* wanted) { return letters.find_first_of(wanted) != std::string::npos; };
+    if (letters.empty() || asks("p")) {
+        return PPP_WITH_DIRECTION;
+    }
+    if (asks("23")) {
+        return LAPB_WITH_DIRECTION;
+    }
+    return asks("f") ? std::optional(FRAME_RELAY) : std::nullopt;
+}
+
 bool is_llc(std::span<const std::uint8_t> frame) {
     return frame.size() >= 2 && frame[0] == frame[1] && (frame[0] == LLC_SNAP || frame[0] == LLC_ISO);
 }
@@ -100,6 +131,13 @@ std::optional<std::uint32_t> link_type_of(int channel_type) {
     }
     const auto* const other = std::ranges::find(OTHER_CHANNELS, channel_type, &channel_link::channel_type);
     return other != std::end(OTHER_CHANNELS) ? std::optional(other->link_type) : std::nullopt;
+}
+
+std::optional<std::uint32_t> link_type_of(const trace_case& exported) {
+    if (exported.channel_type != CHANNEL_B) {
+        return link_type_of(exported.channel_type);
+    }
+    return bchannel_link_type(exported.options.empty() ? "" : letters_of(exported.options.front()));
 }
 
 const char* viewer_options_of(int channel_type) {

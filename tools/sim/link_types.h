@@ -33,8 +33,12 @@ struct link_kind {
 [[nodiscard]] const link_kind* find_link_kind(std::uint32_t link_type);
 
 /// The link type that fits the frames of a channel type, one that tells the direction where there is one; nothing for
-/// interfaces whose records have no link type.
+/// interfaces whose records have no link type. A B-channel counts as PPP.
 [[nodiscard]] std::optional<std::uint32_t> link_type_of(int channel_type);
+
+/// The link type that fits the frames of a case. What a B-channel carries is told by the first of its options lines:
+/// with -p, or without options, PPP; else with -2 or -3 LAPB; else with -f Frame Relay; nothing for all others.
+[[nodiscard]] std::optional<std::uint32_t> link_type_of(const trace_case& exported);
 
 /// The viewer options that show every layer of a channel type; for one that has no decoder, hexadecimal output.
 [[nodiscard]] const char* viewer_options_of(int channel_type);
