@@ -139,6 +139,15 @@ std::string take_option(const known_option& known, const char* argument, plugin_
     return "--" + std::string(known.name) + " takes " + known.takes + ", not " + quoted(text);
 }
 
+/// What is wrong with the option at which getopt_long stopped. Its code is in optopt: 0 for an unknown long one.
+std::string describe_mistake(bool argument_missing, const char* word) {
+    if (optopt >= FIRST_CODE) {
+        const std::string name = "--" + std::string(OPTIONS[optopt - FIRST_CODE].name);
+        return argument_missing ? "no argument behind " + quoted(name) : name + " takes no argument";
+    }
+    return "unknown option " + quoted(optopt != 0 ? std::string("-") + static_cast<char>(optopt) : word);
+}
+
 bool needs_interface(call what) {
     return what == call::LIST_LINK_TYPES || what == call::LIST_OPTIONS || what == call::RELOAD_OPTION ||
            what == call::CHECK_FILTER || what == call::CAPTURE;
@@ -179,7 +188,7 @@ bool parse_options(int argc, char** argv, plugin_options& options, std::string& 
         } else if (code == 'h') {
             options.what = call::HELP;
         } else {
-            note((code == ':' ? "no argument behind " : "unknown option ") + quoted(argv[optind - 1]));
+            note(describe_mistake(code == ':', argv[optind - 1]));
         }
     }
     if (optind < argc) {
