@@ -27,6 +27,7 @@ namespace ifwatch::test {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -39,6 +40,15 @@ constexpr const char* LAN_CASE =
     "channel 6\n"
     "record X 1004\n  FF*6 02 00 00 00 00 02 08 06 00*46\n"
     "record R 1250 sequence=5\n  02 00 00 00 00 02 02 00 00 00 00 01 08 00 00*46\n";
+
+// Two frames, a cell without user data two records behind the first, and two events of the physical layer.
+constexpr const char* ATM_CASE =
+    "channel 3\n"
+    "record R 1 info=0x01002000\n  45 00\n"
+    "record R 2 info=7\n  00\n"
+    "record X 3 flags=0x81 sequence=5\n  0A 02 10 30 18 01\n"
+    "record R 4 info=0x01002000\n  45 00\n"
+    "record R 5 info=1 sequence=8\n";
 
 command plugin(text_list arguments, const std::string& password = "admin") {
     command what = {.program = IFWATCH_EXTCAP_PROGRAM, .arguments = std::move(arguments), .timeout = PATIENCE};
@@ -53,9 +63,21 @@ text_list capture_arguments(int port, const std::string& fifo, const text_list& 
     return all;
 }
 
-/// The types of the blocks of a pcapng file, and whether they fill it exactly.
-std::vector<std::uint32_t> block_types(const std::string& file) {
-    std::vector<std::uint32_t> types;
+struct pcapng_block {
+    std::uint32_t type = 0;
+    std::string body;
+
+    [[nodiscard]] std::uint32_t word(std::size_t at) const {
+        std::uint32_t value = 0;
+        EXPECT_LE(at + sizeof value, body.size());
+        std::memcpy(&value, body.substr(at, sizeof value).data(), sizeof value);
+        return value;
+    }
+};
+
+/// The blocks of a pcapng file, which have to fill it exactly.
+std::vector<pcapng_block> blocks_of(const std::string& file) {
+    std::vector<pcapng_block> blocks;
     std::size_t at = 0;
     while (at + 12 <= file.size()) {
         std::uint32_t words[2] = {};
@@ -63,10 +85,18 @@ std::vector<std::uint32_t> block_types(const std::string& file) {
         if (words[1] < 12 || words[1] > file.size() - at) {
             break;
         }
-        types.push_back(words[0]);
+        blocks.push_back({words[0], file.substr(at + 8, words[1] - 12)});
         at += words[1];
     }
     EXPECT_EQ(at, file.size()) << "the last block is cut";
+    return blocks;
+}
+
+std::vector<std::uint32_t> block_types(const std::string& file) {
+    std::vector<std::uint32_t> types;
+    for (const pcapng_block& block : blocks_of(file)) {
+        types.push_back(block.type);
+    }
     return types;
 }
 
@@ -138,6 +168,25 @@ TEST_F(extcap_program, captures_no_more_than_asked_for) {
     const simulator router({LAN_CASE});
     ASSERT_EQ(capture(router.port(), {"--capture-length", "20"}).status, 0);
     EXPECT_EQ(shown({"frame.cap_len", "frame.len"}), "20\t60\n20\t60\n");
+}
+
+TEST_F(extcap_program, tells_the_longest_packet_of_each_interface) {
+    const auto lengths = [this](const std::string& text, const text_list& options) {
+        const simulator router({text});
+        EXPECT_EQ(capture(router.port(), options).status, 0);
+        std::vector<std::uint32_t> found;
+        for (const pcapng_block& block : blocks_of(captured())) {
+            if (block.type == INTERFACE) {
+                found.push_back(block.word(4));
+            }
+        }
+        return found;
+    };
+    const text_list twenty = {"--capture-length", "20"};
+    EXPECT_THAT(lengths(LAN_CASE, {}), ElementsAre(0));
+    EXPECT_THAT(lengths(LAN_CASE, twenty), ElementsAre(20));
+    EXPECT_THAT(lengths(ATM_CASE, twenty), ElementsAre(20 + 4, 20 + 36));
+    EXPECT_THAT(lengths("channel 16\nrecord R 1\n 01 3F\n", twenty), ElementsAre(20 + 20));
 }
 
 TEST_F(extcap_program, asks_for_one_atm_connection) {

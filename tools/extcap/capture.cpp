@@ -22,7 +22,6 @@ namespace ifwatch::extcap {
 namespace {
 
 constexpr int STATUS_MISTAKE = 2;
-constexpr std::uint32_t LONGEST_PREFIX = 64;
 
 /// How a step of a capture went.
 enum class step : std::uint8_t { DONE, END, FAILED };
@@ -81,7 +80,7 @@ private:
         const std::string index = std::to_string(options_.interface_index.value_or(0));
         const auto length = static_cast<std::uint32_t>(options_.capture_length);
         build_interface_description(block_, {.link_type = link.type,
-                                             .snapshot_length = length != 0 ? length + LONGEST_PREFIX : 0,
+                                             .snapshot_length = length != 0 ? length + prefix_length(link) : 0,
                                              .name = "ifwatch-" + index + suffix,
                                              .description = "Interface " + index + " of " + options_.host + ": " +
                                                             ifc_type_entry(context_.channel_type).name + suffix,
