@@ -189,6 +189,25 @@ TEST_F(extcap_program, tells_the_longest_packet_of_each_interface) {
     EXPECT_THAT(lengths("channel 16\nrecord R 1\n 01 3F\n", twenty), ElementsAre(20 + 20));
 }
 
+TEST_F(extcap_program, counts_the_packets_of_each_interface) {
+    const auto counts = [this](const std::string& text) {
+        const simulator router({text});
+        EXPECT_EQ(capture(router.port()).status, 0);
+        text_list found;
+        for (const pcapng_block& block : blocks_of(captured())) {
+            if (block.type == STATISTICS) {  // number, time; isb_ifrecv, isb_ifdrop of 8 octets
+                found.push_back(std::to_string(block.word(0)) + ": " + std::to_string(block.word(16)) + " received, " +
+                                std::to_string(block.word(28)) + " lost");
+            }
+        }
+        return found;
+    };
+    EXPECT_THAT(counts(LAN_CASE), ElementsAre("0: 5 received, 3 lost"));
+    EXPECT_THAT(counts("channel 0\nrecord R 1 info=1\nrecord R 2\n 00 01 7F\nrecord R 3 info=2\n"),
+                ElementsAre("0: 1 received, 0 lost"));
+    EXPECT_THAT(counts(ATM_CASE), ElementsAre("0: 3 received, 1 lost", "1: 3 received, 2 lost"));
+}
+
 TEST_F(extcap_program, asks_for_one_atm_connection) {
     const simulator router({"channel 3\nrecord R 1 info=0x01002000\n 45 00\nrecord R 2 info=0x08002300\n 45 00 00\n"});
     ASSERT_EQ(capture(router.port(), {"--vpi", "8", "--vci", "35"}).status, 0);
