@@ -294,6 +294,14 @@ TEST_F(extcap_program, help_and_mistakes) {
     EXPECT_EQ(run(plugin({"--extcap-cleanup-postkill"})).status, 0);
 }
 
+TEST_F(extcap_program, refuses_two_interfaces) {
+    const outcome got = capture(1, {"--index", "2100"});
+    EXPECT_EQ(got.status, 2);
+    EXPECT_EQ(got.errors,
+              "ifwatch-extcap: the interface and the index differ: 1000 and 2100; give one of them "
+              "(--help tells more)\n");
+}
+
 TEST_F(extcap_program, tells_what_it_cannot_write_to) {
     const outcome got = run(plugin(capture_arguments(7000, directory.file("missing"))));
     EXPECT_EQ(got.status, 1);

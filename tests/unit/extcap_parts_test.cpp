@@ -254,6 +254,18 @@ TEST(extcap_options, mistakes_are_named_and_the_fifo_is_known_all_the_same) {
                 StartsWith("--interface is missing"));
 }
 
+TEST(extcap_options, take_the_interface_chosen_or_typed) {
+    const auto capture = [](const std::string& chosen, const std::string& typed) {
+        return parsed(
+            {"--capture", "--extcap-interface", "ifwatch", "--fifo", "f", "--interface", chosen, "--index", typed});
+    };
+    EXPECT_EQ(capture("2100", "").options.interface_index, 2100);
+    EXPECT_EQ(capture("", "1000").options.interface_index, 1000);
+    EXPECT_TRUE(capture("1000", "1000").right);
+    EXPECT_EQ(capture("2100", "1000").error, "the interface and the index differ: 2100 and 1000; give one of them");
+    EXPECT_THAT(capture("", "").error, StartsWith("--interface is missing"));
+}
+
 TEST(extcap_options, wrong_values_are_refused) {
     for (const auto& [name, value] : std::vector<std::pair<std::string, std::string>>{{"--port", "65536"},
                                                                                       {"--port", "7000x"},

@@ -33,6 +33,11 @@ bool set_index(const std::string& text, plugin_options& options) {
     options.interface_index = static_cast<std::int32_t>(value.value_or(0));
     return value.has_value();
 }
+bool set_typed_index(const std::string& text, plugin_options& options) {
+    const auto value = parse_number(text, 0, LARGEST_INDEX);
+    options.typed_index = static_cast<std::int32_t>(value.value_or(0));
+    return value.has_value();
+}
 bool set_bchannel(const std::string& text, plugin_options& options) {
     const auto kinds = bchannel_kinds();
     const auto found = std::ranges::find(kinds, text, &bchannel_kind::word);
@@ -107,7 +112,7 @@ constexpr known_option OPTIONS[] = {
     {"host", required_argument, call::NONE, set_host, "a router's name or IPv4 address"},
     {"port", required_argument, call::NONE, set_port, "a port from 1 to 65535"},
     {"interface", required_argument, call::NONE, set_index, "an interface index"},
-    {"index", required_argument, call::NONE, set_index, "an interface index"},
+    {"index", required_argument, call::NONE, set_typed_index, "an interface index"},
     {"bchannel", required_argument, call::NONE, set_bchannel, "ppp, lapb, frame-relay, cisco-hdlc, ip or raw"},
     {"credentials", required_argument, call::NONE, set_credentials},
     {"capture-length", required_argument, call::NONE, set_capture_length, "a number of octets up to 8192"},
@@ -153,7 +158,7 @@ bool needs_interface(call what) {
            what == call::CHECK_FILTER || what == call::CAPTURE;
 }
 
-/// What is missing for the call.
+/// What is missing for the call, or contradicts itself.
 std::string find_gap(const plugin_options& options) {
     if (options.what == call::NONE) {
         return "nothing to do";
@@ -164,7 +169,13 @@ std::string find_gap(const plugin_options& options) {
     if (options.what == call::CAPTURE && options.fifo.empty()) {
         return "--fifo is missing: where are the packets to go?";
     }
-    if (options.what == call::CAPTURE && !options.interface_index) {
+    const auto& chosen = options.interface_index;
+    const auto& typed = options.typed_index;
+    if (options.what == call::CAPTURE && chosen && typed && *chosen != *typed) {
+        return "the interface and the index differ: " + std::to_string(*chosen) + " and " + std::to_string(*typed) +
+               "; give one of them";
+    }
+    if (options.what == call::CAPTURE && !chosen && !typed) {
         return "--interface is missing: which interface of the router?";
     }
     return "";
@@ -197,6 +208,7 @@ bool parse_options(int argc, char** argv, plugin_options& options, std::string& 
     const char* const usual_host = std::getenv("TRACE_HOST");
     options.host = options.host.empty() && usual_host != nullptr ? usual_host : options.host;
     note(find_gap(options));
+    options.interface_index = options.interface_index ? options.interface_index : options.typed_index;
     return error.empty();
 }
 
