@@ -53,9 +53,9 @@ TEST(extcap_filter, becomes_the_elements_of_the_command_line) {
 }
 
 TEST(extcap_filter, accepts_what_the_help_of_the_tracer_shows) {
-    for (const char* text :
-         {"-I 1.1.1.10", "-I \\!1.1.1.10", "-I :1.1.1.10", "-I 1.1.1.10:1.1.1.20", "-B 1.1.1.10:1.1.1.20", "-I \\!::50",
-          "-I ::17::512", "-I 1.2.3.4::17::512", "-B ::6:1026:23", "-B host-1.example.net:1.1.1.20:6:1026:23"}) {
+    for (const char* text : {"-I 1.1.1.10", "-I \\!1.1.1.10", "-I :1.1.1.10", "-I 1.1.1.10:1.1.1.20",
+                             "-B 1.1.1.10:1.1.1.20", "-I \\!::50", "-I ::17::512", "-I 1.2.3.4::17::512",
+                             "-B ::6:1026:23", "-B host-1.example.net:1.1.1.20:6:1026:23", "-B 3com.example.net"}) {
         EXPECT_EQ(filter_error(text), "") << text;
     }
 }
@@ -69,6 +69,10 @@ TEST(extcap_filter, mistakes_are_named) {
     EXPECT_EQ(filter_error("-I ::256"), "capture filter: -I '::256': the protocol cannot be '256'");
     EXPECT_EQ(filter_error("-B !::6:65536"), "capture filter: -B '!::6:65536': the source port cannot be '65536'");
     EXPECT_EQ(filter_error("-B :a/b"), "capture filter: -B ':a/b': the destination cannot be 'a/b'");
+    EXPECT_EQ(filter_error("-B 999.1.2.3"), "capture filter: -B '999.1.2.3': the source cannot be '999.1.2.3'");
+    EXPECT_EQ(filter_error("-B :10.1.1"), "capture filter: -B ':10.1.1': the destination cannot be '10.1.1'");
+    EXPECT_EQ(filter_error("-I -I ::6"), "capture filter: -I '-I': the source cannot be '-I'");
+    EXPECT_EQ(filter_error("-I -I"), "capture filter: -I '-I': the source cannot be '-I'");
     EXPECT_EQ(filter_error("-I :::::"), "capture filter: -I ':::::': it has more than five fields");
     EXPECT_EQ(filter_error("--dst 00:11:22:33:44"), "capture filter: --dst '00:11:22:33:44': it is no MAC address");
     EXPECT_EQ(filter_error("--src 00:11:22:33:44:5G"),
