@@ -264,12 +264,32 @@ TEST_F(extcap_program, lists_the_interfaces_of_the_router) {
               "value {arg=2}{value=100001}{display=100001 Tunnel}\n");
 }
 
-TEST_F(extcap_program, tells_that_an_old_router_has_no_list) {
-    const simulator router({LAN_CASE}, {"--version", "2"});
-    const outcome got = run(reload(router.port()));
+void expect_no_list(int port, const std::string& reason) {
+    const outcome got = run(reload(port));
     EXPECT_EQ(got.status, 1);
     EXPECT_EQ(got.output, "");
-    EXPECT_EQ(got.errors, "ifwatch-extcap: router 127.0.0.1: it cannot list its interfaces; type the index of one\n");
+    EXPECT_EQ(got.errors, "ifwatch-extcap: router 127.0.0.1: " + reason + "\n");
+}
+
+TEST_F(extcap_program, tells_that_the_router_closed_instead_of_a_list) {
+    const std::string reason =
+        "it closed the connection (perhaps it cannot list its interfaces; type the index of one)";
+    const simulator old({LAN_CASE}, {"--version", "2"});
+    expect_no_list(old.port(), reason);
+    for (const char* step : {"connect", "request", "version", "login"}) {
+        SCOPED_TRACE(step);
+        const simulator closing({LAN_CASE}, {"--close-after", step});
+        expect_no_list(closing.port(), reason);
+    }
+}
+
+TEST_F(extcap_program, tells_that_the_router_has_no_list) {
+    const scripted_daemon daemon([](const tcp_peer& client) {
+        client.receive(TRACE_REQUEST_OCTETS);
+        client.send({0, 0, 0, 0});  // the end of a reply, where the version is to come
+        client.receive_all();
+    });
+    expect_no_list(daemon.port(), "it cannot list its interfaces; type the index of one");
 }
 
 TEST_F(extcap_program, checks_a_filter_without_a_router) {
