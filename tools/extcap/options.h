@@ -11,7 +11,7 @@ namespace ifwatch::extcap {
 
 /// The one interface that the analyser lists.
 inline constexpr const char* INTERFACE_ID = "ifwatch";
-inline constexpr const char* INTERFACE_TITLE = "Router interface (ifwatch)";
+inline constexpr const char* INTERFACE_TITLE = "Router interface";
 
 inline constexpr std::uint16_t DEFAULT_PORT = 7000;
 
