@@ -27,6 +27,7 @@ namespace ifwatch::test {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -39,6 +40,15 @@ constexpr const char* LAN_CASE =
     "channel 6\n"
     "record X 1004\n  FF*6 02 00 00 00 00 02 08 06 00*46\n"
     "record R 1250 sequence=5\n  02 00 00 00 00 02 02 00 00 00 00 01 08 00 00*46\n";
+
+// Two frames, a cell without user data two records behind the first, and two events of the physical layer.
+constexpr const char* ATM_CASE =
+    "channel 3\n"
+    "record R 1 info=0x01002000\n  45 00\n"
+    "record R 2 info=7\n  00\n"
+    "record X 3 flags=0x81 sequence=5\n  0A 02 10 30 18 01\n"
+    "record R 4 info=0x01002000\n  45 00\n"
+    "record R 5 info=1 sequence=8\n";
 
 command plugin(text_list arguments, const std::string& password = "admin") {
     command what = {.program = IFWATCH_EXTCAP_PROGRAM, .arguments = std::move(arguments), .timeout = PATIENCE};
@@ -53,9 +63,21 @@ text_list capture_arguments(int port, const std::string& fifo, const text_list& 
     return all;
 }
 
-/// The types of the blocks of a pcapng file, and whether they fill it exactly.
-std::vector<std::uint32_t> block_types(const std::string& file) {
-    std::vector<std::uint32_t> types;
+struct pcapng_block {
+    std::uint32_t type = 0;
+    std::string body;
+
+    [[nodiscard]] std::uint32_t word(std::size_t at) const {
+        std::uint32_t value = 0;
+        EXPECT_LE(at + sizeof value, body.size());
+        std::memcpy(&value, body.substr(at, sizeof value).data(), sizeof value);
+        return value;
+    }
+};
+
+/// The blocks of a pcapng file, which have to fill it exactly.
+std::vector<pcapng_block> blocks_of(const std::string& file) {
+    std::vector<pcapng_block> blocks;
     std::size_t at = 0;
     while (at + 12 <= file.size()) {
         std::uint32_t words[2] = {};
@@ -63,10 +85,18 @@ std::vector<std::uint32_t> block_types(const std::string& file) {
         if (words[1] < 12 || words[1] > file.size() - at) {
             break;
         }
-        types.push_back(words[0]);
+        blocks.push_back({words[0], file.substr(at + 8, words[1] - 12)});
         at += words[1];
     }
     EXPECT_EQ(at, file.size()) << "the last block is cut";
+    return blocks;
+}
+
+std::vector<std::uint32_t> block_types(const std::string& file) {
+    std::vector<std::uint32_t> types;
+    for (const pcapng_block& block : blocks_of(file)) {
+        types.push_back(block.type);
+    }
     return types;
 }
 
@@ -140,6 +170,44 @@ TEST_F(extcap_program, captures_no_more_than_asked_for) {
     EXPECT_EQ(shown({"frame.cap_len", "frame.len"}), "20\t60\n20\t60\n");
 }
 
+TEST_F(extcap_program, tells_the_longest_packet_of_each_interface) {
+    const auto lengths = [this](const std::string& text, const text_list& options) {
+        const simulator router({text});
+        EXPECT_EQ(capture(router.port(), options).status, 0);
+        std::vector<std::uint32_t> found;
+        for (const pcapng_block& block : blocks_of(captured())) {
+            if (block.type == INTERFACE) {
+                found.push_back(block.word(4));
+            }
+        }
+        return found;
+    };
+    const text_list twenty = {"--capture-length", "20"};
+    EXPECT_THAT(lengths(LAN_CASE, {}), ElementsAre(0));
+    EXPECT_THAT(lengths(LAN_CASE, twenty), ElementsAre(20));
+    EXPECT_THAT(lengths(ATM_CASE, twenty), ElementsAre(20 + 4, 20 + 36));
+    EXPECT_THAT(lengths("channel 16\nrecord R 1\n 01 3F\n", twenty), ElementsAre(20 + 20));
+}
+
+TEST_F(extcap_program, counts_the_packets_of_each_interface) {
+    const auto counts = [this](const std::string& text) {
+        const simulator router({text});
+        EXPECT_EQ(capture(router.port()).status, 0);
+        text_list found;
+        for (const pcapng_block& block : blocks_of(captured())) {
+            if (block.type == STATISTICS) {  // number, time; isb_ifrecv, isb_ifdrop of 8 octets
+                found.push_back(std::to_string(block.word(0)) + ": " + std::to_string(block.word(16)) + " received, " +
+                                std::to_string(block.word(28)) + " lost");
+            }
+        }
+        return found;
+    };
+    EXPECT_THAT(counts(LAN_CASE), ElementsAre("0: 5 received, 3 lost"));
+    EXPECT_THAT(counts("channel 0\nrecord R 1 info=1\nrecord R 2\n 00 01 7F\nrecord R 3 info=2\n"),
+                ElementsAre("0: 1 received, 0 lost"));
+    EXPECT_THAT(counts(ATM_CASE), ElementsAre("0: 3 received, 1 lost", "1: 3 received, 2 lost"));
+}
+
 TEST_F(extcap_program, asks_for_one_atm_connection) {
     const simulator router({"channel 3\nrecord R 1 info=0x01002000\n 45 00\nrecord R 2 info=0x08002300\n 45 00 00\n"});
     ASSERT_EQ(capture(router.port(), {"--vpi", "8", "--vci", "35"}).status, 0);
@@ -196,12 +264,32 @@ TEST_F(extcap_program, lists_the_interfaces_of_the_router) {
               "value {arg=2}{value=100001}{display=100001 Tunnel}\n");
 }
 
-TEST_F(extcap_program, tells_that_an_old_router_has_no_list) {
-    const simulator router({LAN_CASE}, {"--version", "2"});
-    const outcome got = run(reload(router.port()));
+void expect_no_list(int port, const std::string& reason) {
+    const outcome got = run(reload(port));
     EXPECT_EQ(got.status, 1);
     EXPECT_EQ(got.output, "");
-    EXPECT_EQ(got.errors, "ifwatch-extcap: router 127.0.0.1: it cannot list its interfaces; type the index of one\n");
+    EXPECT_EQ(got.errors, "ifwatch-extcap: router 127.0.0.1: " + reason + "\n");
+}
+
+TEST_F(extcap_program, tells_that_the_router_closed_instead_of_a_list) {
+    const std::string reason =
+        "it closed the connection (perhaps it cannot list its interfaces; type the index of one)";
+    const simulator old({LAN_CASE}, {"--version", "2"});
+    expect_no_list(old.port(), reason);
+    for (const char* step : {"connect", "request", "version", "login"}) {
+        SCOPED_TRACE(step);
+        const simulator closing({LAN_CASE}, {"--close-after", step});
+        expect_no_list(closing.port(), reason);
+    }
+}
+
+TEST_F(extcap_program, tells_that_the_router_has_no_list) {
+    const scripted_daemon daemon([](const tcp_peer& client) {
+        client.receive(TRACE_REQUEST_OCTETS);
+        client.send({0, 0, 0, 0});  // the end of a reply, where the version is to come
+        client.receive_all();
+    });
+    expect_no_list(daemon.port(), "it cannot list its interfaces; type the index of one");
 }
 
 TEST_F(extcap_program, checks_a_filter_without_a_router) {
@@ -224,6 +312,14 @@ TEST_F(extcap_program, help_and_mistakes) {
     EXPECT_EQ(wrong.output, "");
     EXPECT_EQ(wrong.errors, "ifwatch-extcap: unknown option '--pwd=secret' (--help tells more)\n");
     EXPECT_EQ(run(plugin({"--extcap-cleanup-postkill"})).status, 0);
+}
+
+TEST_F(extcap_program, refuses_two_interfaces) {
+    const outcome got = capture(1, {"--index", "2100"});
+    EXPECT_EQ(got.status, 2);
+    EXPECT_EQ(got.errors,
+              "ifwatch-extcap: the interface and the index differ: 1000 and 2100; give one of them "
+              "(--help tells more)\n");
 }
 
 TEST_F(extcap_program, tells_what_it_cannot_write_to) {

@@ -99,6 +99,18 @@ TEST(extcap_frame, keeps_octets_lengths_and_direction) {
     EXPECT_EQ(framed_record(6, {1, 2, 3, 4}, RECEIVED).frame.flags, PACKET_INBOUND);
 }
 
+TEST(extcap_link_layer, tells_the_length_of_its_prefix) {
+    EXPECT_EQ(prefix_length({LINK_ETHERNET}), 0U);
+    EXPECT_EQ(prefix_length(find_link_layer(131, {})), 0U);
+    EXPECT_EQ(prefix_length({LINK_SUNATM}), 4U);
+    EXPECT_EQ(prefix_length(find_link_layer(16, {})), 20U);
+    EXPECT_EQ(framed_record(16, {0x01, 0x3F}, SENT).frame.prefix().size(), 20U);
+    EXPECT_EQ(prefix_length(find_link_layer(-2, {})), 20U);
+    EXPECT_EQ(prefix_length(cell_link_layer()), 36U) << "the header of a cell is the record's own";
+    const framed_record cell(3, {0x0A, 2, 0x10, 0x30, 0x18, 0x01}, with(SENT, 0x80, 0));
+    EXPECT_EQ(cell.packet().size(), 36U + 6U);
+}
+
 TEST(extcap_frame, is_never_shorter_than_what_was_captured) {
     const framed_record lan(6, {1, 2, 3, 4}, SENT, 3);
     EXPECT_EQ(lan.frame.original_length, 4U);

@@ -53,9 +53,9 @@ TEST(extcap_filter, becomes_the_elements_of_the_command_line) {
 }
 
 TEST(extcap_filter, accepts_what_the_help_of_the_tracer_shows) {
-    for (const char* text :
-         {"-I 1.1.1.10", "-I \\!1.1.1.10", "-I :1.1.1.10", "-I 1.1.1.10:1.1.1.20", "-B 1.1.1.10:1.1.1.20", "-I \\!::50",
-          "-I ::17::512", "-I 1.2.3.4::17::512", "-B ::6:1026:23", "-B host-1.example.net:1.1.1.20:6:1026:23"}) {
+    for (const char* text : {"-I 1.1.1.10", "-I \\!1.1.1.10", "-I :1.1.1.10", "-I 1.1.1.10:1.1.1.20",
+                             "-B 1.1.1.10:1.1.1.20", "-I \\!::50", "-I ::17::512", "-I 1.2.3.4::17::512",
+                             "-B ::6:1026:23", "-B host-1.example.net:1.1.1.20:6:1026:23", "-B 3com.example.net"}) {
         EXPECT_EQ(filter_error(text), "") << text;
     }
 }
@@ -69,6 +69,10 @@ TEST(extcap_filter, mistakes_are_named) {
     EXPECT_EQ(filter_error("-I ::256"), "capture filter: -I '::256': the protocol cannot be '256'");
     EXPECT_EQ(filter_error("-B !::6:65536"), "capture filter: -B '!::6:65536': the source port cannot be '65536'");
     EXPECT_EQ(filter_error("-B :a/b"), "capture filter: -B ':a/b': the destination cannot be 'a/b'");
+    EXPECT_EQ(filter_error("-B 999.1.2.3"), "capture filter: -B '999.1.2.3': the source cannot be '999.1.2.3'");
+    EXPECT_EQ(filter_error("-B :10.1.1"), "capture filter: -B ':10.1.1': the destination cannot be '10.1.1'");
+    EXPECT_EQ(filter_error("-I -I ::6"), "capture filter: -I '-I': the source cannot be '-I'");
+    EXPECT_EQ(filter_error("-I -I"), "capture filter: -I '-I': the source cannot be '-I'");
     EXPECT_EQ(filter_error("-I :::::"), "capture filter: -I ':::::': it has more than five fields");
     EXPECT_EQ(filter_error("--dst 00:11:22:33:44"), "capture filter: --dst '00:11:22:33:44': it is no MAC address");
     EXPECT_EQ(filter_error("--src 00:11:22:33:44:5G"),
@@ -238,7 +242,11 @@ TEST(extcap_options, mistakes_are_named_and_the_fifo_is_known_all_the_same) {
     EXPECT_EQ(call.options.fifo, "/tmp/f");
     EXPECT_EQ(call.options.what, call::CAPTURE);
     EXPECT_EQ(parsed({"--unheard"}).error, "unknown option '--unheard'");
-    EXPECT_EQ(parsed({"--help=x"}).error, "unknown option '--help=x'");
+    EXPECT_EQ(parsed({"--unheard=1", "--extcap-interfaces"}).error, "unknown option '--unheard=1'");
+    EXPECT_EQ(parsed({"-zz", "--extcap-interfaces"}).error, "unknown option '-z'");
+    EXPECT_EQ(parsed({"--extcap-interfaces", "-hyz"}).error, "unknown option '-y'");
+    EXPECT_EQ(parsed({"--help=3"}).error, "--help takes no argument");
+    EXPECT_EQ(parsed({"--capture=3"}).error, "--capture takes no argument");
     EXPECT_EQ(parsed({"--fifo"}).error, "no argument behind '--fifo'");
     EXPECT_EQ(parsed({"--extcap-interfaces", "more"}).error, "not an option: 'more'");
     EXPECT_EQ(parsed({}).error, "nothing to do");
@@ -248,6 +256,18 @@ TEST(extcap_options, mistakes_are_named_and_the_fifo_is_known_all_the_same) {
     EXPECT_THAT(parsed({"--capture", "--extcap-interface", "ifwatch"}).error, StartsWith("--fifo is missing"));
     EXPECT_THAT(parsed({"--capture", "--extcap-interface", "ifwatch", "--fifo", "f"}).error,
                 StartsWith("--interface is missing"));
+}
+
+TEST(extcap_options, take_the_interface_chosen_or_typed) {
+    const auto capture = [](const std::string& chosen, const std::string& typed) {
+        return parsed(
+            {"--capture", "--extcap-interface", "ifwatch", "--fifo", "f", "--interface", chosen, "--index", typed});
+    };
+    EXPECT_EQ(capture("2100", "").options.interface_index, 2100);
+    EXPECT_EQ(capture("", "1000").options.interface_index, 1000);
+    EXPECT_TRUE(capture("1000", "1000").right);
+    EXPECT_EQ(capture("2100", "1000").error, "the interface and the index differ: 2100 and 1000; give one of them");
+    EXPECT_THAT(capture("", "").error, StartsWith("--interface is missing"));
 }
 
 TEST(extcap_options, wrong_values_are_refused) {

@@ -4,6 +4,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -22,10 +23,15 @@ namespace ifwatch::extcap {
 namespace {
 
 constexpr int STATUS_MISTAKE = 2;
-constexpr std::uint32_t LONGEST_PREFIX = 64;
 
 /// How a step of a capture went.
 enum class step : std::uint8_t { DONE, END, FAILED };
+
+/// The packets of one of the file's interfaces.
+struct packet_counts {
+    std::uint64_t captured = 0;
+    std::uint64_t lost = 0;
+};
 
 class capture_run {
 public:
@@ -81,7 +87,7 @@ private:
         const std::string index = std::to_string(options_.interface_index.value_or(0));
         const auto length = static_cast<std::uint32_t>(options_.capture_length);
         build_interface_description(block_, {.link_type = link.type,
-                                             .snapshot_length = length != 0 ? length + LONGEST_PREFIX : 0,
+                                             .snapshot_length = length != 0 ? length + prefix_length(link) : 0,
                                              .name = "ifwatch-" + index + suffix,
                                              .description = "Interface " + index + " of " + options_.host + ": " +
                                                             ifc_type_entry(context_.channel_type).name + suffix,
@@ -108,25 +114,32 @@ private:
         return write_statistics();
     }
 
-    step write_record() {
+    /// Notes what a gap in the sequence of the records tells of lost ones.
+    void follow_sequence() {
         const std::uint32_t sequence = context_.header->sequence;
-        const std::uint32_t lost = received_ != 0 ? sequence - previous_sequence_ - 1 : 0;
+        const std::uint32_t lost = times_.started() ? sequence - previous_sequence_ - 1 : 0;
         const bool forward = static_cast<std::int32_t>(lost) > 0;  // a sequence may begin anew
         lost_before_ += forward ? lost : 0;
-        lost_ += forward ? lost : 0;
         previous_sequence_ = sequence;
-        ++received_;
+    }
+
+    step write_record() {
+        follow_sequence();
         const std::uint64_t time = times_.at(context_.header->timestamp_ms, first_time());
         if (!make_frame(context_, link_, frame_)) {
             return step::DONE;
         }
+        const std::uint32_t interface_id = frame_.cell ? 1 : 0;
+        packet_counts& counts = counts_[interface_id];
+        ++counts.captured;
+        counts.lost += lost_before_;
         if (frame_.cell && !cells_described_) {
             cells_described_ = true;
             if (const step described = describe(cell_link_layer(), " cells"); described != step::DONE) {
                 return described;
             }
         }
-        build_enhanced_packet(block_, {.interface_id = frame_.cell ? 1U : 0U,
+        build_enhanced_packet(block_, {.interface_id = interface_id,
                                        .time_ms = time,
                                        .prefix = frame_.prefix(),
                                        .data = frame_.data,
@@ -146,12 +159,21 @@ private:
         return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
     }
 
+    /// Writes what each interface gave. What was lost behind the last packet counts as the first one's.
     step write_statistics() {
-        if (times_.started()) {
-            build_interface_statistics(
-                block_, {.interface_id = 0, .time_ms = times_.latest(), .received = received_ + lost_, .lost = lost_});
-            if (write_block() == step::FAILED) {
-                return step::FAILED;
+        if (!times_.started()) {
+            return step::END;
+        }
+        counts_[0].lost += lost_before_;
+        const std::uint32_t interfaces = cells_described_ ? 2 : 1;
+        for (std::uint32_t id = 0; id < interfaces; ++id) {
+            const packet_counts& counts = counts_[id];
+            build_interface_statistics(block_, {.interface_id = id,
+                                                .time_ms = times_.latest(),
+                                                .received = counts.captured + counts.lost,
+                                                .lost = counts.lost});
+            if (const step written = write_block(); written != step::DONE) {
+                return written;
             }
         }
         return step::END;
@@ -168,9 +190,8 @@ private:
     time_line times_;
     bool cells_described_ = false;
     std::uint32_t previous_sequence_ = 0;
-    std::uint64_t received_ = 0;
-    std::uint64_t lost_ = 0;
-    std::uint64_t lost_before_ = 0;  // since the last packet
+    std::array<packet_counts, 2> counts_{};  // of the interface and of its cells
+    std::uint64_t lost_before_ = 0;          // since the last packet
     std::string problem_;
 };
 

@@ -1,5 +1,7 @@
 #include "extcap/filter.h"
 
+#include <arpa/inet.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -39,9 +41,15 @@ std::vector<std::string> words_of(std::string_view text) {
     return words;
 }
 
+/// A name, or an IPv4 address where there are but digits and points. A hyphen in front is that of an option.
 bool is_host(const std::string& text) {
-    return std::ranges::all_of(
-        text, [](unsigned char c) { return std::isalnum(c) != 0 || c == '.' || c == '-' || c == '_'; });
+    if (text.find_first_not_of("0123456789.") == std::string::npos) {
+        in_addr address{};
+        return inet_pton(AF_INET, text.c_str(), &address) == 1;
+    }
+    return !text.starts_with('-') && std::ranges::all_of(text, [](unsigned char c) {
+        return std::isalnum(c) != 0 || c == '.' || c == '-' || c == '_';
+    });
 }
 
 /// What is wrong with the fields of an IP session; empty: nothing.

@@ -24,7 +24,7 @@ Options of a capture (in the form, or as tshark -o extcap.ifwatch.NAME:VALUE wit
   --host ROUTER         name or IPv4 address of the router; TRACE_HOST when left out
   --port N              TCP port of its trace daemon (7000); TRACE_PORT goes before it
   --interface INDEX     interface index, 1000 * slot + 100 * unit + channel; the form asks the router which it has
-  --index INDEX         the same, to be typed in the form; the last of both counts
+  --index INDEX         the same, to be typed in the form; with both given, they must be equal
   --bchannel KIND       what ISDN B-channels carry: ppp (the default), lapb (LAPB or X.75, with X.25 on it),
                         frame-relay, cisco-hdlc, ip or raw
   --credentials FILE    a file of lines "ROUTER PASSWORD", readable by its owner only; ROUTER may be *, "#" begins a

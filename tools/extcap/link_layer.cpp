@@ -91,13 +91,16 @@ void add_tag_header(link_frame& made, std::uint16_t code, std::size_t length) {
     add_prefix(made, header);
 }
 
+/// The length of a dissector's name in its tag.
+std::size_t padded_length(std::string_view dissector) { return (dissector.size() + 3) / 4 * 4; }
+
 void add_exported_pdu_tags(link_frame& made, std::string_view dissector, bool sent) {
     constexpr std::uint16_t TAG_END = 0;
     constexpr std::uint16_t TAG_DISSECTOR = 12;
     constexpr std::uint16_t TAG_DIRECTION = 35;
     std::array<std::uint8_t, 32> name{};
     std::ranges::copy(dissector, name.begin());
-    const std::size_t padded = (dissector.size() + 3) / 4 * 4;
+    const std::size_t padded = padded_length(dissector);
     add_tag_header(made, TAG_DISSECTOR, padded);
     add_prefix(made, std::span(name).first(padded));
     add_tag_header(made, TAG_DIRECTION, 4);
@@ -175,6 +178,15 @@ link_layer find_link_layer(int channel_type, const link_layer& bchannel) {
     }
     const auto* const found = std::ranges::find(CHANNEL_LINKS, channel_type, &channel_link::channel_type);
     return found != std::end(CHANNEL_LINKS) ? found->link : link_layer{};
+}
+
+std::uint32_t prefix_length(const link_layer& link) {
+    constexpr std::uint32_t SUNATM_HEADER = 4;
+    constexpr std::size_t OTHER_TAGS = 4 + 8 + 4;  // the header of the dissector's, the direction and the end
+    if (is_atm(link)) {
+        return SUNATM_HEADER;
+    }
+    return link.dissector != nullptr ? static_cast<std::uint32_t>(padded_length(link.dissector) + OTHER_TAGS) : 0;
 }
 
 bool make_frame(const display_context& context, const link_layer& link, link_frame& made) {

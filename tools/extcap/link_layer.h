@@ -49,6 +49,9 @@ struct bchannel_kind {
 /// Cells that carry no user data: those of ATM interfaces go under a link layer of their own.
 [[nodiscard]] const link_layer& cell_link_layer();
 
+/// How many octets the packets of this link layer have before those that are the record's own.
+[[nodiscard]] std::uint32_t prefix_length(const link_layer& link);
+
 /// A record made into a packet. `data` lies in the record.
 struct link_frame {
     bool cell = false;  // of cell_link_layer instead of the interface's own

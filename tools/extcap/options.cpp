@@ -33,6 +33,11 @@ bool set_index(const std::string& text, plugin_options& options) {
     options.interface_index = static_cast<std::int32_t>(value.value_or(0));
     return value.has_value();
 }
+bool set_typed_index(const std::string& text, plugin_options& options) {
+    const auto value = parse_number(text, 0, LARGEST_INDEX);
+    options.typed_index = static_cast<std::int32_t>(value.value_or(0));
+    return value.has_value();
+}
 bool set_bchannel(const std::string& text, plugin_options& options) {
     const auto kinds = bchannel_kinds();
     const auto found = std::ranges::find(kinds, text, &bchannel_kind::word);
@@ -107,7 +112,7 @@ constexpr known_option OPTIONS[] = {
     {"host", required_argument, call::NONE, set_host, "a router's name or IPv4 address"},
     {"port", required_argument, call::NONE, set_port, "a port from 1 to 65535"},
     {"interface", required_argument, call::NONE, set_index, "an interface index"},
-    {"index", required_argument, call::NONE, set_index, "an interface index"},
+    {"index", required_argument, call::NONE, set_typed_index, "an interface index"},
     {"bchannel", required_argument, call::NONE, set_bchannel, "ppp, lapb, frame-relay, cisco-hdlc, ip or raw"},
     {"credentials", required_argument, call::NONE, set_credentials},
     {"capture-length", required_argument, call::NONE, set_capture_length, "a number of octets up to 8192"},
@@ -139,12 +144,21 @@ std::string take_option(const known_option& known, const char* argument, plugin_
     return "--" + std::string(known.name) + " takes " + known.takes + ", not " + quoted(text);
 }
 
+/// What is wrong with the option at which getopt_long stopped. Its code is in optopt: 0 for an unknown long one.
+std::string describe_mistake(bool argument_missing, const char* word) {
+    if (optopt >= FIRST_CODE) {
+        const std::string name = "--" + std::string(OPTIONS[optopt - FIRST_CODE].name);
+        return argument_missing ? "no argument behind " + quoted(name) : name + " takes no argument";
+    }
+    return "unknown option " + quoted(optopt != 0 ? std::string("-") + static_cast<char>(optopt) : word);
+}
+
 bool needs_interface(call what) {
     return what == call::LIST_LINK_TYPES || what == call::LIST_OPTIONS || what == call::RELOAD_OPTION ||
            what == call::CHECK_FILTER || what == call::CAPTURE;
 }
 
-/// What is missing for the call.
+/// What is missing for the call, or contradicts itself.
 std::string find_gap(const plugin_options& options) {
     if (options.what == call::NONE) {
         return "nothing to do";
@@ -155,7 +169,13 @@ std::string find_gap(const plugin_options& options) {
     if (options.what == call::CAPTURE && options.fifo.empty()) {
         return "--fifo is missing: where are the packets to go?";
     }
-    if (options.what == call::CAPTURE && !options.interface_index) {
+    const auto& chosen = options.interface_index;
+    const auto& typed = options.typed_index;
+    if (options.what == call::CAPTURE && chosen && typed && *chosen != *typed) {
+        return "the interface and the index differ: " + std::to_string(*chosen) + " and " + std::to_string(*typed) +
+               "; give one of them";
+    }
+    if (options.what == call::CAPTURE && !chosen && !typed) {
         return "--interface is missing: which interface of the router?";
     }
     return "";
@@ -179,7 +199,7 @@ bool parse_options(int argc, char** argv, plugin_options& options, std::string& 
         } else if (code == 'h') {
             options.what = call::HELP;
         } else {
-            note((code == ':' ? "no argument behind " : "unknown option ") + quoted(argv[optind - 1]));
+            note(describe_mistake(code == ':', argv[optind - 1]));
         }
     }
     if (optind < argc) {
@@ -188,6 +208,7 @@ bool parse_options(int argc, char** argv, plugin_options& options, std::string& 
     const char* const usual_host = std::getenv("TRACE_HOST");
     options.host = options.host.empty() && usual_host != nullptr ? usual_host : options.host;
     note(find_gap(options));
+    options.interface_index = options.interface_index ? options.interface_index : options.typed_index;
     return error.empty();
 }
 

@@ -11,7 +11,7 @@ namespace ifwatch::extcap {
 
 /// The one interface that the analyser lists.
 inline constexpr const char* INTERFACE_ID = "ifwatch";
-inline constexpr const char* INTERFACE_TITLE = "Router interface (ifwatch)";
+inline constexpr const char* INTERFACE_TITLE = "Router interface";
 
 inline constexpr std::uint16_t DEFAULT_PORT = 7000;
 
@@ -38,10 +38,11 @@ struct plugin_options {
 
     std::string host;  // TRACE_HOST where none is given; empty without it
     std::uint16_t port = DEFAULT_PORT;
-    std::optional<std::int32_t> interface_index;
-    const bchannel_kind* bchannel = nullptr;  // never nullptr once parsed
-    std::string credentials;                  // name of a file; empty: none
-    std::int32_t capture_length = 0;          // 0: whole frames
+    std::optional<std::int32_t> interface_index;  // --interface, or else --index
+    std::optional<std::int32_t> typed_index;      // --index
+    const bchannel_kind* bchannel = nullptr;      // never nullptr once parsed
+    std::string credentials;                      // name of a file; empty: none
+    std::int32_t capture_length = 0;              // 0: whole frames
     atm_parameters atm;
     bool router_time = false;  // leave the router's time stamps
 };

@@ -56,6 +56,14 @@ bool prepare(const plugin_options& options, bool list_mode, access& with, failur
     return find_password(options.credentials, options.host, with.password, why.text);
 }
 
+/// Tells of a router that did not take the request for its list as this version of the protocol has it. `reports` is
+/// what the session said of it.
+std::string describe_listless(std::string_view reports) {
+    const bool closed = reports.starts_with("missing elem") || reports.starts_with("write ");
+    return closed ? "it closed the connection (perhaps it cannot list its interfaces; type the index of one)"
+                  : "it cannot list its interfaces; type the index of one";
+}
+
 /// Sets the session up, once more when the first attempt names the version to use. The socket, or -1.
 int open_with(const plugin_options& options, access& with, const session_settings& settings, const trace_target& target,
               display_context& context, failure& why) {
@@ -66,8 +74,7 @@ int open_with(const plugin_options& options, access& with, const session_setting
         take_reports();
         result = open_session(result, socket_fd, settings, target, with.elements(), context);
     } else if (result > 0) {
-        take_reports();
-        write_report("it cannot list its interfaces; type the index of one");
+        write_report(describe_listless(take_reports()));
     }
     with.password.wipe();
     wipe_password_variable();
