@@ -86,6 +86,7 @@ point measure(const series& what, std::size_t length) {
     const std::size_t text = printed;
     const int times = std::max(20, static_cast<int>(2000000 / length / 10));
     std::vector<double> rounds;
+    rounds.reserve(ROUNDS);
     for (int round = 0; round < ROUNDS; ++round) {
         rounds.push_back(show(*context, frame, times) * 1e6 / times);
     }
