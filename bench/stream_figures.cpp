@@ -21,7 +21,6 @@ namespace {
 
 constexpr unsigned RECORDS = 200000;
 constexpr int ROUNDS = 15;
-constexpr int ROUNDS_OF_OTHERS = 3;  // tcpdump and tshark take long
 constexpr unsigned RECORDS_OF_OTHERS = 50000;
 constexpr double GOAL_OF_TEXT = 1.0 / 6;
 constexpr const char* MICROSECONDS = " us";
@@ -135,6 +134,7 @@ void measure_sinks(const workplace& place, const server& feeder, figures& rows) 
 
 struct other_tracer {
     const char* name;
+    int rounds;
     double goal;
     bool text_has_goal;
     command options;
@@ -153,19 +153,22 @@ void measure_other(const workplace& place, const server& feeder, const other_tra
     run_into_pipe(all, other_text);
     std::vector<double> times;
     std::vector<double> other_times;
-    for (int round = 0; round < ROUNDS_OF_OTHERS; ++round) {
+    std::vector<double> ratios;
+    for (int round = 0; round < other.rounds; ++round) {
         times.push_back(run(program));
         other_times.push_back(run(all) - run(none));
+        ratios.push_back(times.back() / other_times.back());
     }
     const std::string name = other.name;
     const double frame = median(times) * 1e6 / RECORDS;
     const double other_frame = median(other_times) * 1e6 / RECORDS_OF_OTHERS;
     rows.push_back(row_against(("LAN frame against " + name).c_str(), MICROSECONDS, frame, other_frame, other.goal,
-                               frame / other_frame));
+                               median(ratios) * RECORDS_OF_OTHERS / RECORDS));
     const double octet = median(times) * 1e9 / static_cast<double>(text);
     const double other_octet = median(other_times) * 1e9 / static_cast<double>(other_text);
-    figure of_text = row_against(("octet of text against " + name).c_str(), NANOSECONDS, octet, other_octet,
-                                 GOAL_OF_TEXT, octet / other_octet);
+    figure of_text =
+        row_against(("octet of text against " + name).c_str(), NANOSECONDS, octet, other_octet, GOAL_OF_TEXT,
+                    median(ratios) * static_cast<double>(other_text) / static_cast<double>(text));
     if (!other.text_has_goal) {
         of_text.goal = of_text.met = "";
     }
@@ -210,8 +213,8 @@ void measure_streams(const workplace& place, figures& rows) {
         std::perror("measure: empty.pcap");
         return;
     }
-    measure_other(place, feeder, {"tcpdump", 1.0 / 12, true, {"-nn", "-v", "-x"}}, rows);
-    measure_other(place, feeder, {"tshark", 1.0 / 25, false, {"-n", "-V", "-x"}}, rows);
+    measure_other(place, feeder, {"tcpdump", ROUNDS, 1.0 / 12, true, {"-nn", "-v", "-x"}}, rows);
+    measure_other(place, feeder, {"tshark", 3, 1.0 / 25, false, {"-n", "-V", "-x"}}, rows);
 }
 
 void measure_dchannel(const workplace& place, figures& rows) {
