@@ -20,8 +20,7 @@ std::string decimal(double value, int digits) {
     return text;
 }
 
-figure row_against(const char* name, const char* unit, double value, double other, double goal) {
-    const double ratio = value / other;
+figure row_against(const char* name, const char* unit, double value, double other, double goal, double ratio) {
     // A goal below 1 is a fraction, and is told as one.
     const bool fraction = goal < 1;
     return {.name = name,

@@ -32,8 +32,9 @@ using figures = std::vector<figure>;
 /// A number with so many digits behind the point.
 [[nodiscard]] std::string decimal(double value, int digits);
 
-/// A row for a figure that is to be at most so many times another.
-[[nodiscard]] figure row_against(const char* name, const char* unit, double value, double other, double goal);
+/// A row for a figure that is to be at most `goal` times another; `ratio` is how many times it is.
+[[nodiscard]] figure row_against(const char* name, const char* unit, double value, double other, double goal,
+                                 double ratio);
 
 /// A row for a figure with a goal of its own.
 [[nodiscard]] figure row_below(const char* name, const char* unit, double value, double goal);

@@ -33,7 +33,7 @@ std::vector<std::uint32_t> read_sizes(const char* path) {
         while (std::fread(&size, sizeof size, 1, file) == 1) {
             sizes.push_back(size);
         }
-        std::fclose(file);
+        static_cast<void>(std::fclose(file));
     }
     return sizes;
 }
@@ -86,7 +86,7 @@ long pass_records(int fd, const std::vector<std::uint32_t>& sizes, int sink) {
 
 int main(int argc, char** argv) {
     if (argc < 3 || argc > 4) {
-        std::fputs("usage: floor_reader PORT SIZES [FILE]\n", stderr);
+        static_cast<void>(std::fputs("usage: floor_reader PORT SIZES [FILE]\n", stderr));
         return 2;
     }
     const std::vector<std::uint32_t> sizes = read_sizes(argv[2]);

@@ -31,29 +31,29 @@ constexpr part PARTS[] = {
 };
 
 void print(const figure& row) {
-    std::printf("%s\t%s\t%s\t%s\t%s\t%s\n", row.name.c_str(), row.value.c_str(), row.goal.c_str(), row.floor.c_str(),
-                row.ratio.c_str(), row.met.c_str());
+    static_cast<void>(std::printf("%s\t%s\t%s\t%s\t%s\t%s\n", row.name.c_str(), row.value.c_str(), row.goal.c_str(),
+                                  row.floor.c_str(), row.ratio.c_str(), row.met.c_str()));
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fputs("usage: measure PROGRAMS SCRATCH [PART...]\n", stderr);
+        static_cast<void>(std::fputs("usage: measure PROGRAMS SCRATCH [PART...]\n", stderr));
         return 2;
     }
     const workplace place{.programs = argv[1], .scratch = argv[2]};
     const auto asked = std::span(argv, static_cast<std::size_t>(argc)).subspan(3);
-    std::puts("figure\tvalue\tgoal\tfloor\tratio\tmet");
+    static_cast<void>(std::puts("figure\tvalue\tgoal\tfloor\tratio\tmet"));
     for (const part& each : PARTS) {
         if (!asked.empty() && std::ranges::find(asked, each.name) == asked.end()) {
             continue;
         }
-        std::fprintf(stderr, "measuring %s\n", each.name.data());
+        static_cast<void>(std::fprintf(stderr, "measuring %s\n", each.name.data()));
         figures rows;
         each.measure(place, rows);
         std::ranges::for_each(rows, print);
-        std::fflush(stdout);
+        static_cast<void>(std::fflush(stdout));
     }
     return 0;
 }

@@ -70,6 +70,7 @@ long memory_when_idle(pid_t child, const server& feeder) {
 void measure_start(const workplace& place, figures& rows) {
     const server simulator({place.program("ifwatch-sim"), "--port", "0", "samples/lan-session.case"});
     std::vector<double> times;
+    times.reserve(STARTS);
     for (int i = 0; i < STARTS; ++i) {
         times.push_back(time_to_first_record(place, simulator));
     }

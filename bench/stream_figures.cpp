@@ -20,8 +20,7 @@ namespace ifwatch::bench {
 namespace {
 
 constexpr unsigned RECORDS = 200000;
-constexpr int ROUNDS = 9;
-constexpr int ROUNDS_OF_OTHERS = 3;  // tcpdump and tshark take long
+constexpr int ROUNDS = 15;
 constexpr unsigned RECORDS_OF_OTHERS = 50000;
 constexpr double GOAL_OF_TEXT = 1.0 / 6;
 constexpr const char* MICROSECONDS = " us";
@@ -101,6 +100,7 @@ std::size_t record_writes(const workplace& place, const command& what) {
 struct pair_of_times {
     double program;
     double floor;
+    double ratio;  // the middle one of those of the rounds: what comes and goes on the machine meets both of a round
 };
 
 /// Medians of both in microseconds a record.
@@ -108,11 +108,13 @@ template <class Run>
 pair_of_times take_turns(const command& program, const command& floor, Run run_one) {
     std::vector<double> times;
     std::vector<double> floors;
+    std::vector<double> ratios;
     for (int round = 0; round < ROUNDS; ++round) {
         floors.push_back(run_one(floor) * 1e6 / RECORDS);
         times.push_back(run_one(program) * 1e6 / RECORDS);
+        ratios.push_back(times.back() / floors.back());
     }
-    return {median(times), median(floors)};
+    return {median(times), median(floors), median(ratios)};
 }
 
 void measure_sinks(const workplace& place, const server& feeder, figures& rows) {
@@ -120,18 +122,19 @@ void measure_sinks(const workplace& place, const server& feeder, figures& rows) 
     const command floor = floor_of(place, feeder);
     const std::size_t text = record_writes(place, program);
     const auto null = take_turns(program, floor, [](const command& what) { return run(what); });
-    rows.push_back(row_against("LAN frame into /dev/null", MICROSECONDS, null.program, null.floor, 1.5));
+    rows.push_back(row_against("LAN frame into /dev/null", MICROSECONDS, null.program, null.floor, 1.5, null.ratio));
     const auto pipe = take_turns(program, floor, [](const command& what) { return run_into_pipe(what); });
-    rows.push_back(row_against("LAN frame into a pipe", MICROSECONDS, pipe.program, pipe.floor, 1.3));
+    rows.push_back(row_against("LAN frame into a pipe", MICROSECONDS, pipe.program, pipe.floor, 1.3, pipe.ratio));
     rows.push_back({.name = "octets of text a LAN frame", .value = std::to_string(text / RECORDS)});
     const auto file =
         take_turns(trace(place, feeder, {"--pcap-file", "--ofile=" + place.file("frames.pcap")}),
                    floor + command{place.file("floor.pcap")}, [](const command& what) { return run(what); });
-    rows.push_back(row_against("LAN frame into a PCAP file", MICROSECONDS, file.program, file.floor, 1.2));
+    rows.push_back(row_against("LAN frame into a PCAP file", MICROSECONDS, file.program, file.floor, 1.2, file.ratio));
 }
 
 struct other_tracer {
     const char* name;
+    int rounds;
     double goal;
     bool text_has_goal;
     command options;
@@ -150,18 +153,22 @@ void measure_other(const workplace& place, const server& feeder, const other_tra
     run_into_pipe(all, other_text);
     std::vector<double> times;
     std::vector<double> other_times;
-    for (int round = 0; round < ROUNDS_OF_OTHERS; ++round) {
+    std::vector<double> ratios;
+    for (int round = 0; round < other.rounds; ++round) {
         times.push_back(run(program));
         other_times.push_back(run(all) - run(none));
+        ratios.push_back(times.back() / other_times.back());
     }
     const std::string name = other.name;
-    const double time = median(times);
-    const double other_time = median(other_times);
-    rows.push_back(row_against(("LAN frame against " + name).c_str(), MICROSECONDS, time * 1e6 / RECORDS,
-                               other_time * 1e6 / RECORDS_OF_OTHERS, other.goal));
+    const double frame = median(times) * 1e6 / RECORDS;
+    const double other_frame = median(other_times) * 1e6 / RECORDS_OF_OTHERS;
+    rows.push_back(row_against(("LAN frame against " + name).c_str(), MICROSECONDS, frame, other_frame, other.goal,
+                               median(ratios) * RECORDS_OF_OTHERS / RECORDS));
+    const double octet = median(times) * 1e9 / static_cast<double>(text);
+    const double other_octet = median(other_times) * 1e9 / static_cast<double>(other_text);
     figure of_text =
-        row_against(("octet of text against " + name).c_str(), NANOSECONDS, time * 1e9 / static_cast<double>(text),
-                    other_time * 1e9 / static_cast<double>(other_text), GOAL_OF_TEXT);
+        row_against(("octet of text against " + name).c_str(), NANOSECONDS, octet, other_octet, GOAL_OF_TEXT,
+                    median(ratios) * static_cast<double>(other_text) / static_cast<double>(text));
     if (!other.text_has_goal) {
         of_text.goal = of_text.met = "";
     }
@@ -190,7 +197,7 @@ void measure_calls(const workplace& place, const call_trace& calls, figures& row
     const auto times = take_turns(program, floor_of(place, feeder), [](const command& what) { return run(what); });
     figure whole = row_below((calls.name + ", an octet of text").c_str(), NANOSECONDS, times.program * 1e3 / text, 3);
     whole.floor = decimal(times.floor * 1e3 / text, 2) + NANOSECONDS;
-    whole.ratio = decimal(times.program / times.floor, 2);
+    whole.ratio = decimal(times.ratio, 2);
     rows.push_back(whole);
     rows.push_back({.name = calls.name + ", above the floor",
                     .value = decimal((times.program - times.floor) * 1e3 / text, 2) + NANOSECONDS});
@@ -206,8 +213,8 @@ void measure_streams(const workplace& place, figures& rows) {
         std::perror("measure: empty.pcap");
         return;
     }
-    measure_other(place, feeder, {"tcpdump", 1.0 / 12, true, {"-nn", "-v", "-x"}}, rows);
-    measure_other(place, feeder, {"tshark", 1.0 / 25, false, {"-n", "-V", "-x"}}, rows);
+    measure_other(place, feeder, {"tcpdump", ROUNDS, 1.0 / 12, true, {"-nn", "-v", "-x"}}, rows);
+    measure_other(place, feeder, {"tshark", 3, 1.0 / 25, false, {"-n", "-V", "-x"}}, rows);
 }
 
 void measure_dchannel(const workplace& place, figures& rows) {

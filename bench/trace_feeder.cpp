@@ -60,8 +60,8 @@ bool say_and_wait(int client, unsigned long sent) {
     while (ioctl(client, SIOCOUTQ, &unsent) == 0 && unsent != 0) {
         poll(nullptr, 0, 1);
     }
-    std::printf("%lu\n", sent);
-    std::fflush(stdout);
+    static_cast<void>(std::printf("%lu\n", sent));
+    static_cast<void>(std::fflush(stdout));
     return std::getchar() == '\n';
 }
 
@@ -75,7 +75,7 @@ unsigned long send_some(int client, bench::traffic& block, unsigned long sent, u
 
 void serve(int client, serving& what) {
     std::uint8_t request[REQUEST_LENGTH];
-    const std::uint8_t acknowledge = static_cast<std::uint8_t>(what.block.channel_type);
+    const auto acknowledge = static_cast<std::uint8_t>(what.block.channel_type);
     if (read_n(client, request, REQUEST_LENGTH) != REQUEST_LENGTH || !write_all(client, {&acknowledge, 1})) {
         return;
     }
@@ -100,13 +100,13 @@ bool read_arguments(std::span<char*> arguments, serving& what) {
         arguments = arguments.subspan(2);
     }
     if (arguments.size() != 3) {
-        std::fputs("usage: trace_feeder [--pause RECORDS] RECORDS SOURCE\n", stderr);
+        static_cast<void>(std::fputs("usage: trace_feeder [--pause RECORDS] RECORDS SOURCE\n", stderr));
         return false;
     }
     what.records = std::strtoul(arguments[1], nullptr, 10);
     std::string error;
     if (!bench::find_traffic(arguments[2], what.block, error)) {
-        std::fprintf(stderr, "trace_feeder: %s\n", error.c_str());
+        static_cast<void>(std::fprintf(stderr, "trace_feeder: %s\n", error.c_str()));
         return false;
     }
     return true;
@@ -124,8 +124,8 @@ int main(int argc, char** argv) {
     if (listening < 0) {
         return fail("trace_feeder: listen");
     }
-    std::printf("%d\n", port);
-    std::fflush(stdout);
+    static_cast<void>(std::printf("%d\n", port));
+    static_cast<void>(std::fflush(stdout));
     for (;;) {
         const int client = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
         if (client < 0) {
