@@ -1,7 +1,9 @@
 // Part of ifwatch where coverage is measured, and nowhere else: what a run has counted is written when `main` returns,
 // but a signal handler and a child without its program end in other ways. The linker's --wrap leads those ends here.
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -13,11 +15,13 @@ void lift(decltype(RLIMIT_NOFILE) what) {
     }
 }
 
-/// What a test has limited must not keep the counts from being written. Runs also before they are at the end of `main`.
-[[gnu::destructor]] void lift_limits() {
+/// What a test has limited must not keep the counts from being written; and where they cannot be written, as by another
+/// user, the program has nothing to say about it. Runs also before they are written at the end of `main`.
+[[gnu::destructor]] void prepare() {
     lift(RLIMIT_NOFILE);
     lift(RLIMIT_FSIZE);
     lift(RLIMIT_AS);
+    dup2(open("/dev/null", O_WRONLY | O_CLOEXEC), STDERR_FILENO);
 }
 
 }  // namespace
@@ -31,13 +35,13 @@ void __gcov_dump();
 int __real_raise(int number);
 
 [[noreturn]] void __wrap__exit(int status) {
-    lift_limits();
+    prepare();
     __gcov_dump();
     __real__exit(status);
 }
 
 int __wrap_raise(int number) {
-    lift_limits();
+    prepare();
     __gcov_dump();
     return __real_raise(number);
 }
