@@ -10,10 +10,9 @@ struct record_loop_files {
 };
 
 /// Gives up, for the rest of the process, every system call that the record loop, the signal handlers and the exit do
-/// not need: reading is left for the session only, writing for the standard output, the error stream and the sink;
-/// nothing can be opened, connected or started any more. A refused call fails with EPERM. Does nothing in a program
-/// built without libseccomp. Returns 0, or the error (errno) for which the system would not do it; the process then
-/// goes on as it was.
+/// not need: writing is left for the standard output, the error stream and the sink only; nothing can be opened,
+/// connected or started any more. A refused call fails with EPERM. Does nothing in a program built without libseccomp.
+/// Returns 0, or the error (errno) for which the system would not do it; the process then goes on as it was.
 int confine_to_record_loop(const record_loop_files& files);
 
 }  // namespace ifwatch
