@@ -55,10 +55,27 @@ TEST(put, a_drain_that_fails_cuts_the_text) {
     EXPECT_EQ(text.text(), "abcdefgh");
 }
 
-TEST(put_run, may_be_longer_than_a_block) {
+TEST(put_run, repeats_a_character) {
     text_buffer<200> text;
     put_run(text, '-', 150);
     EXPECT_EQ(text.text(), std::string(150, '-'));
+}
+
+TEST(put_run, a_full_sink_cuts_it) {
+    for (auto* const drain : {static_cast<bool (*)(text_sink&)>(nullptr), fail}) {
+        text_buffer<8> text;
+        text.drain = drain;
+        put(text, "abc");
+        put_run(text, '-', 10);
+        EXPECT_EQ(text.text(), "abc-----");
+    }
+}
+
+TEST(put_run, empties_a_full_sink_as_often_as_it_must) {
+    text_buffer<8> text;
+    text.drain = empty;
+    put_run(text, '-', 20);
+    EXPECT_EQ(text.text(), "----") << "two times eight have gone";
 }
 
 }  // namespace
