@@ -12,8 +12,8 @@ namespace ifwatch {
 
 namespace {
 
-constexpr std::uint32_t EVENT_LAYER1 = 7;           // an event code: the record has no direction and no cell header
-constexpr std::size_t OUTPUT_PER_OCTET = 512;       // characters, at most
+constexpr std::uint32_t EVENT_LAYER1 = 7;      // an event code: the record has no direction and no cell header
+constexpr std::size_t OUTPUT_PER_OCTET = 512;  // characters, at most
 constexpr std::size_t OUTPUT_PER_RECORD = 4096;
 constexpr int HEX_PREFIX = 38;  // octets shown without -!
 
