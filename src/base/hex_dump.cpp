@@ -14,12 +14,20 @@ namespace {
 
 constexpr std::size_t OFFSET_WIDTH_MAX = 10;  // eight digits, a colon and a blank
 
-/// What a line shows of each octet: its digits and a blank, and behind them its character.
-constexpr auto OCTETS = [] {
+/// The digits of each octet, with two blanks: to copy four characters is quicker than two.
+constexpr auto DIGITS = [] {
     std::array<std::array<char, 4>, 256> all{};
     for (std::size_t i = 0; i < all.size(); ++i) {
-        const char character = is_printable(static_cast<int>(i)) ? static_cast<char>(i) : '.';
-        all[i] = {hex_digits(false)[i >> 4], hex_digits(false)[i & 0xF], ' ', character};
+        all[i] = {hex_digits(false)[i >> 4], hex_digits(false)[i & 0xF], ' ', ' '};
+    }
+    return all;
+}();
+
+/// The character of each octet.
+constexpr auto CHARACTERS = [] {
+    std::array<char, 256> all{};
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        all[i] = is_printable(static_cast<int>(i)) ? static_cast<char>(i) : '.';
     }
     return all;
 }();
@@ -31,29 +39,30 @@ char* write_offset(char* out, unsigned offset) {
     return out;
 }
 
-/// Writes digits at `out` and characters at `characters`, which moves on. Behind the digits one character is spoilt: to
-/// copy four is quicker than three.
-char* write_octets(char* out, char*& characters, std::span<const std::uint8_t> octets) {
+template <std::size_t Count>
+void write_octets(char* digits, char* characters, std::span<const std::uint8_t, Count> octets) {
     for (const std::uint8_t octet : octets) {
-        std::memcpy(out, OCTETS[octet].data(), OCTETS[octet].size());
-        out += 3;
-        *characters++ = OCTETS[octet][3];
+        std::memcpy(digits, DIGITS[octet].data(), DIGITS[octet].size());
+        digits += 3;
+        *characters++ = CHARACTERS[octet];
     }
-    return out;
 }
 
-/// The octets with a gap in the middle, and their characters; blanks for what a full line has more.
-char* write_row(char* out, std::span<const std::uint8_t> row, std::size_t per_line) {
+/// Half a line. Most are of eight octets, which the compiler then writes without counting.
+void write_half(char* digits, char* characters, std::span<const std::uint8_t> octets) {
+    if (octets.size() == 8) {
+        write_octets(digits, characters, octets.first<8>());
+    } else {
+        write_octets(digits, characters, octets);
+    }
+}
+
+/// The octets with a gap in the middle, and their characters.
+void write_row(char* out, std::span<const std::uint8_t> row, std::size_t per_line) {
     const std::size_t half = std::min(row.size(), per_line / 2);
-    const std::size_t missing = per_line - row.size();
-    char* const behind_digits = out + 3 * per_line + 2;
-    char* characters = behind_digits;
-    out = write_octets(out, characters, row.first(half));
-    *out++ = ' ';
-    out = write_octets(out, characters, row.subspan(half));
-    *out++ = ' ';
-    std::fill(out, behind_digits, ' ');
-    return std::fill_n(characters, missing, ' ');
+    char* const characters = out + 3 * per_line + 2;
+    write_half(out, characters, row.first(half));
+    write_half(out + 3 * half + 1, characters + half, row.subspan(half));
 }
 
 }  // namespace
@@ -63,16 +72,16 @@ void hex_dump(octets data, int length, int per_line, int indent) {
     const auto blanks = static_cast<std::size_t>(std::max(indent, 0));
     const auto shown = data.run(0, length);
     for (std::size_t offset = 0; offset < shown.size(); offset += width) {
-        char* const line = reserve(standard_output, blanks + OFFSET_WIDTH_MAX + 4 * width + 3);
+        const std::size_t columns = 4 * width + 2;  // behind the offset
+        char* const line = reserve(standard_output, blanks + OFFSET_WIDTH_MAX + columns + 1);
         if (line == nullptr) {
             return;
         }
-        const auto row = shown.subspan(offset, std::min(width, shown.size() - offset));
-        char* out = std::fill_n(line, blanks, ' ');
-        out = write_offset(out, static_cast<std::uint32_t>(offset));
-        out = write_row(out, row, width);
-        *out++ = '\n';
-        standard_output.used += static_cast<std::size_t>(out - line);
+        std::fill_n(line, blanks + OFFSET_WIDTH_MAX + columns, ' ');
+        char* const out = write_offset(line + blanks, static_cast<std::uint32_t>(offset));
+        write_row(out, shown.subspan(offset, std::min(width, shown.size() - offset)), width);
+        out[columns] = '\n';
+        standard_output.used += static_cast<std::size_t>(out - line) + columns + 1;
     }
 }
 
