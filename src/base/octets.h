@@ -34,15 +34,9 @@ struct octets {
     }
 
     /// Network order; octets that are not held count as 0.
-    [[nodiscard]] constexpr std::uint16_t be16(int i) const {
-        return static_cast<std::uint16_t>((*this)[i] << 8 | (*this)[i + 1]);
-    }
-    [[nodiscard]] constexpr std::uint32_t be24(int i) const {
-        return static_cast<std::uint32_t>((*this)[i]) << 16 | be16(i + 1);
-    }
-    [[nodiscard]] constexpr std::uint32_t be32(int i) const {
-        return static_cast<std::uint32_t>(be16(i)) << 16 | be16(i + 2);
-    }
+    [[nodiscard]] constexpr std::uint16_t be16(int i) const { return static_cast<std::uint16_t>(big_endian<2>(i)); }
+    [[nodiscard]] constexpr std::uint32_t be24(int i) const { return big_endian<3>(i); }
+    [[nodiscard]] constexpr std::uint32_t be32(int i) const { return big_endian<4>(i); }
 
     /// "Host order" fields: little-endian on every machine.
     [[nodiscard]] constexpr std::uint16_t le16(int i) const {
@@ -78,6 +72,22 @@ struct octets {
         // Octets and characters are the same storage; the cast only changes how they are named.
         return {reinterpret_cast<const char*>(octets_held.data()),
                 static_cast<std::size_t>(zero - octets_held.begin())};
+    }
+
+private:
+    template <int Count>
+    [[nodiscard]] constexpr std::uint32_t big_endian(int i) const {
+        std::uint32_t value = 0;
+        if (i >= 0 && i <= held() - Count) [[likely]] {  // one question for all of them
+            for (int k = 0; k < Count; ++k) {
+                value = value << 8 | data[i + k];
+            }
+        } else {
+            for (int k = 0; k < Count; ++k) {
+                value = value << 8 | (*this)[i + k];
+            }
+        }
+        return value;
     }
 };
 

@@ -27,6 +27,11 @@ TEST(octets, reads_zero_where_nothing_is_held) {
     EXPECT_EQ(view[INT_MAX], 0);
     EXPECT_EQ(view[INT_MIN], 0);
     EXPECT_EQ(view.be16(1), 0xBB00);
+    EXPECT_EQ(view.be16(-1), 0x00AA);
+    EXPECT_EQ(view.be16(-2), 0);
+    EXPECT_EQ(view.be16(INT_MIN), 0);
+    EXPECT_EQ(view.be24(0), 0xAABB00U);
+    EXPECT_EQ(view.be32(-3), 0x000000AAU);
     EXPECT_EQ(view.be32(0), 0xAABB0000U);
     EXPECT_EQ(view.le32(1), 0x000000BBU);
 }
