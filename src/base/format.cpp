@@ -104,6 +104,10 @@ void put_pieces(text_sink& sink, std::string_view format, std::span<const format
 
 void print_named_to(text_sink& sink, table_text text, std::uint32_t value) {
     std::string_view rest = detail::as_text(text);
+    if (text.plain()) {
+        put(sink, rest);
+        return;
+    }
     while (!rest.empty()) {
         const std::size_t literal = find_conversion(rest);
         put(sink, rest.substr(0, literal));

@@ -195,7 +195,7 @@ consteval std::size_t count_arguments() {
 
 constexpr std::string_view as_text(std::string_view text) { return text; }
 constexpr std::string_view as_text(const char* text) { return text == nullptr ? "(null)" : std::string_view(text); }
-constexpr std::string_view as_text(table_text text) { return as_text(text.c_str()); }
+constexpr std::string_view as_text(table_text text) { return text ? text.view() : "(null)"; }
 
 template <class T>
 concept text_argument = requires(const T& value) {
@@ -246,7 +246,10 @@ constexpr std::size_t room_for(const T& value) {
         constexpr std::size_t sign = 1;
         // A negative number may be shown as an unsigned one of 32 bits.
         constexpr std::size_t digits = most_digits(std::is_signed_v<T> ? sizeof(std::uint32_t) : sizeof(T));
-        return sign + std::max(digits, static_cast<std::size_t>(How.width));
+        constexpr bool hexadecimal = How.type == 'x' || How.type == 'X';
+        constexpr bool octet = std::is_same_v<T, std::uint8_t> && How.width <= 1;
+        constexpr std::size_t least = hexadecimal || octet ? 0 : DECIMAL_ROOM;
+        return sign + std::max({digits, least, static_cast<std::size_t>(How.width)});
     }
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace ifwatch {
 
@@ -13,14 +15,16 @@ public:
     constexpr table_text() = default;
     constexpr table_text(std::nullptr_t) {}
     template <std::size_t N>
-    consteval table_text(const char (&literal)[N]) : text_(literal) {
+    consteval table_text(const char (&literal)[N]) : text_(literal), length_(N - 1), plain_(!is_one_of('%', literal)) {
         if (!fits(literal)) {
             throw "a text of a table holds at most one conversion, and that of a number";
         }
     }
 
     [[nodiscard]] constexpr explicit operator bool() const { return text_ != nullptr; }
-    [[nodiscard]] constexpr const char* c_str() const { return text_; }
+    [[nodiscard]] constexpr std::string_view view() const { return {text_, length_}; }
+    /// A text without a conversion, which stands for itself.
+    [[nodiscard]] constexpr bool plain() const { return plain_; }
 
 private:
     static constexpr bool is_one_of(char wanted, const char* set) {
@@ -53,6 +57,8 @@ private:
     }
 
     const char* text_ = nullptr;
+    std::uint32_t length_ = 0;
+    bool plain_ = true;
 };
 
 /// One row of a value-name table.

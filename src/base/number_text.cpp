@@ -4,21 +4,17 @@ namespace ifwatch {
 
 namespace {
 
-/// "00" to "99", one behind the other.
-constexpr auto PAIRS = [] {
-    std::array<char, 200> pairs{};
-    for (std::size_t i = 0; i < 100; ++i) {
-        pairs[2 * i] = static_cast<char>('0' + i / 10);
-        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
-    }
-    return pairs;
-}();
+constexpr std::uint32_t EIGHT_DIGITS = 100'000'000;
 
-constexpr std::uint32_t POWERS[] = {0, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000, 1000000000};
-
-int count_digits(std::uint32_t value) {
-    const int estimate = static_cast<int>(std::bit_width(value | 1U)) * 1233 >> 12;  // log10(2) is about 1233/4096
-    return value < POWERS[estimate] ? estimate : estimate + 1;
+/// The eight digits of a number below EIGHT_DIGITS, each an octet and the first the lowest: the number is split into
+/// halves of four digits, these into pairs and the pairs into digits, all at once side by side. The factors are
+/// 1/100 and 1/10 in binary, near enough for four and for two digits.
+constexpr std::uint64_t split_digits(std::uint32_t value) {
+    const std::uint64_t fours = value / 10000 | static_cast<std::uint64_t>(value % 10000) << 32;
+    const std::uint64_t hundreds = (fours * 10486 >> 20) & 0x0000007F'0000007F;
+    const std::uint64_t pairs = hundreds | (fours - hundreds * 100) << 16;
+    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F'000F000F;
+    return tens | (pairs - tens * 10) << 8;
 }
 
 }  // namespace
@@ -38,20 +34,20 @@ constexpr std::array<std::array<char, 4>, 256> OCTET_DIGITS = [] {
 }();
 
 char* write_decimal(char* out, std::uint32_t value, int least) {
-    char* const end = out + std::max(least, count_digits(value));
-    char* at = end;
-    for (; value >= 100; value /= 100) {
-        at -= 2;
-        std::memcpy(at, &PAIRS[std::size_t{2} * (value % 100)], 2);
+    if (value < OCTET_DIGITS.size() && least <= 1) {
+        return write_octet(out, static_cast<std::uint8_t>(value));
     }
-    if (value >= 10) {
-        at -= 2;
-        std::memcpy(at, &PAIRS[std::size_t{2} * value], 2);
-    } else {
-        *--at = static_cast<char>('0' + value);
+    if (value >= EIGHT_DIGITS || least > 8) {
+        out = write_decimal(out, value / EIGHT_DIGITS, least - 8);
+        return write_decimal(out, value % EIGHT_DIGITS, 8);
     }
-    std::fill(out, at, '0');
-    return end;
+    const std::uint64_t digits = split_digits(value);
+    const int zeros = std::min(std::countr_zero(digits) / 8, 8 - std::max(least, 0));
+    const std::uint64_t characters = (digits | 0x3030303030303030) >> 8 * zeros;
+    for (int i = 0; i < 8; ++i) {
+        out[i] = static_cast<char>(characters >> 8 * i & 0xFF);
+    }
+    return out + 8 - zeros;
 }
 
 }  // namespace ifwatch

@@ -10,7 +10,7 @@
 namespace ifwatch {
 
 // Numbers as text, for writers that have made room before: each is written at `out`, with zeros in front up to `least`
-// digits, and what is returned is where it ends.
+// digits, and what is returned is where it ends. What is behind it there may be spoilt, as far as the room goes.
 
 /// No unsigned number of so many octets has more digits, decimal or hexadecimal.
 constexpr std::size_t most_digits(std::size_t octets) { return octets * 5 / 2 + 1; }
@@ -27,7 +27,9 @@ constexpr char* write_hex(char* out, std::uint32_t value, int least, const char*
     return out + count;
 }
 
+/// It takes room for at least DECIMAL_ROOM characters.
 char* write_decimal(char* out, std::uint32_t value, int least);
+inline constexpr std::size_t DECIMAL_ROOM = 8;
 
 /// The decimal digits of each octet, and behind them how many they are.
 extern const std::array<std::array<char, 4>, 256> OCTET_DIGITS;

@@ -160,7 +160,7 @@ std::string_view take_line(std::string_view& rest) {
 
 /// Prints the field's title and the line that names its value; nothing when the text has too few lines.
 void print_bitfield_value(table_text text, int value) {
-    std::string_view rest = text.c_str();
+    std::string_view rest = text.view();
     const std::string_view title = take_line(rest);
     for (; value > 0 && !rest.empty(); --value) {
         take_line(rest);
