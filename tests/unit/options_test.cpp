@@ -1,6 +1,7 @@
 #include "client/options.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <list>
@@ -37,7 +38,10 @@ private:
 
 class command_line : public testing::Test {
 public:
-    void SetUp() override { verbose_level = 0; }
+    void SetUp() override {
+        verbose_level = 0;
+        opterr = 1;  // the options of the other programs are tested in the same process, and have messages of their own
+    }
     void TearDown() override { verbose_level = 0; }
 
     /// Parses one command line; the messages are kept in `messages`.

@@ -115,6 +115,7 @@ TEST(usage, prints_every_option_with_the_program_name) {
     testing::internal::CaptureStderr();
     EXPECT_EQ(print_usage(), 1);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), USAGE);
+    set_program_name("ifwatch");
 }
 
 TEST(usage, help_explains_environment_and_filters) {
