@@ -7,8 +7,6 @@ namespace ifwatch {
 
 namespace {
 
-constexpr int POLL_FINAL = 0x10;  // of an unnumbered frame's control octet
-
 constexpr named_value SUPERVISORY_FRAMES[] = {
     {0x01, "RR   "},
     {0x05, "RNR  "},
@@ -30,24 +28,14 @@ void dump_control(octets frame) {
     } else if (const table_text supervisory = value_name(SUPERVISORY_FRAMES, control)) {
         print<"%s P/F=%d">(supervisory, poll_final);
         print<" N(R)=%02X">(nr);
-    } else if (const table_text unnumbered = value_name(UNNUMBERED_FRAMES, control & ~POLL_FINAL)) {
-        print<"%s P/F=%d">(unnumbered, (control & POLL_FINAL) != 0 ? 1 : 0);
+    } else if (const table_text unnumbered = value_name(UNNUMBERED_FRAMES, control & ~LAPD_POLL_FINAL)) {
+        print<"%s P/F=%d">(unnumbered, (control & LAPD_POLL_FINAL) != 0 ? 1 : 0);
     } else {
         print<"\n!!!\tIllegal D-Channel Message (Layer 2 - Controlword : 0x%x)\n">(control);
     }
 }
 
 }  // namespace
-
-int lapd_header_length(octets frame) { return (frame[2] & 1) != 0 ? 3 : 4; }
-
-int lapd_sapi(octets frame) { return frame[0] >> 2; }
-
-int lapd_tei(octets frame) { return frame[1] >> 1; }
-
-bool lapd_is_i_frame(octets frame) { return (frame[2] & 1) == 0; }
-
-bool lapd_carries_layer3(octets frame) { return lapd_is_i_frame(frame) || (frame[2] & ~POLL_FINAL) == 0x03; }
 
 void dump_lapd(octets frame) {
     print<"\tSAPI=%02X\tC/R=%1X\tTEI=%02X\t">(lapd_sapi(frame), frame[0] >> 1 & 1, lapd_tei(frame));
