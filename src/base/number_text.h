@@ -19,6 +19,11 @@ constexpr std::size_t most_digits(std::size_t octets) { return octets * 5 / 2 + 
 constexpr const char* hex_digits(bool capital) { return capital ? "0123456789ABCDEF" : "0123456789abcdef"; }
 
 constexpr char* write_hex(char* out, std::uint32_t value, int least, const char* digits) {
+    if (least == 2 && value <= 0xFF) {  // most are octets
+        out[0] = digits[value >> 4];
+        out[1] = digits[value & 0xF];
+        return out + 2;
+    }
     const int count = std::max(least, (static_cast<int>(std::bit_width(value | 1U)) + 3) / 4);
     for (int i = count - 1; i >= 0; --i) {
         out[i] = digits[value & 0xF];
