@@ -4,17 +4,32 @@ namespace ifwatch {
 
 namespace {
 
+constexpr std::uint32_t FOUR_DIGITS = 10'000;
 constexpr std::uint32_t EIGHT_DIGITS = 100'000'000;
 
-/// The eight digits of a number below EIGHT_DIGITS, each an octet and the first the lowest: the number is split into
-/// halves of four digits, these into pairs and the pairs into digits, all at once side by side. The factors are
-/// 1/100 and 1/10 in binary, near enough for four and for two digits.
-constexpr std::uint64_t split_digits(std::uint32_t value) {
-    const std::uint64_t fours = value / 10000 | static_cast<std::uint64_t>(value % 10000) << 32;
-    const std::uint64_t hundreds = (fours * 10486 >> 20) & 0x0000007F'0000007F;
-    const std::uint64_t pairs = hundreds | (fours - hundreds * 100) << 16;
-    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F'000F000F;
+/// The digits of a number below FOUR_DIGITS, each an octet and the first the lowest: the number is split into pairs
+/// and these into digits, both at once. The factors are 1/100 and 1/10 in binary, near enough for so few digits.
+constexpr std::uint32_t split_four(std::uint32_t value) {
+    const std::uint32_t hundreds = value * 5243 >> 19;
+    const std::uint32_t pairs = hundreds | (value - hundreds * 100) << 16;
+    const std::uint32_t tens = (pairs * 103 >> 10) & 0x000F000F;
     return tens | (pairs - tens * 10) << 8;
+}
+
+constexpr std::uint64_t split_eight(std::uint32_t value) {
+    return split_four(value / FOUR_DIGITS) | static_cast<std::uint64_t>(split_four(value % FOUR_DIGITS)) << 32;
+}
+
+/// Writes digits that are split, without zeros in front but as many as `least` asks for.
+template <class Digits>
+char* write_split(char* out, Digits digits, int least) {
+    constexpr int most = sizeof digits;
+    const int zeros = std::min(std::countr_zero(digits) / 8, most - std::max(least, 0));
+    const Digits characters = (digits | static_cast<Digits>(0x3030303030303030)) >> 8 * zeros;
+    for (int i = 0; i < most; ++i) {
+        out[i] = static_cast<char>(characters >> 8 * i & 0xFF);
+    }
+    return out + most - zeros;
 }
 
 }  // namespace
@@ -37,17 +52,14 @@ char* write_decimal(char* out, std::uint32_t value, int least) {
     if (value < OCTET_DIGITS.size() && least <= 1) {
         return write_octet(out, static_cast<std::uint8_t>(value));
     }
-    if (value >= EIGHT_DIGITS || least > 8) {
-        out = write_decimal(out, value / EIGHT_DIGITS, least - 8);
-        return write_decimal(out, value % EIGHT_DIGITS, 8);
+    if (value < FOUR_DIGITS && least <= 4) {
+        return write_split(out, split_four(value), least);
     }
-    const std::uint64_t digits = split_digits(value);
-    const int zeros = std::min(std::countr_zero(digits) / 8, 8 - std::max(least, 0));
-    const std::uint64_t characters = (digits | 0x3030303030303030) >> 8 * zeros;
-    for (int i = 0; i < 8; ++i) {
-        out[i] = static_cast<char>(characters >> 8 * i & 0xFF);
+    if (value < EIGHT_DIGITS && least <= 8) {
+        return write_split(out, split_eight(value), least);
     }
-    return out + 8 - zeros;
+    out = write_decimal(out, value / EIGHT_DIGITS, least - 8);
+    return write_decimal(out, value % EIGHT_DIGITS, 8);
 }
 
 }  // namespace ifwatch
