@@ -24,7 +24,8 @@ constexpr std::uint64_t split_eight(std::uint32_t value) {
 template <class Digits>
 char* write_split(char* out, Digits digits, int least) {
     constexpr int most = sizeof digits;
-    const int zeros = std::min(std::countr_zero(digits) / 8, most - std::max(least, 0));
+    constexpr auto last = Digits{1} << 8 * (most - 1);  // the last digit is written even when it is 0
+    const int zeros = std::min(std::countr_zero(digits | last) / 8, most - std::max(least, 0));
     const Digits characters = (digits | static_cast<Digits>(0x3030303030303030)) >> 8 * zeros;
     for (int i = 0; i < most; ++i) {
         out[i] = static_cast<char>(characters >> 8 * i & 0xFF);
@@ -55,11 +56,14 @@ char* write_decimal(char* out, std::uint32_t value, int least) {
     if (value < FOUR_DIGITS && least <= 4) {
         return write_split(out, split_four(value), least);
     }
-    if (value < EIGHT_DIGITS && least <= 8) {
-        return write_split(out, split_eight(value), least);
+    if (value >= EIGHT_DIGITS || least > 8) {
+        const int in_front = least - 8;
+        out = std::fill_n(out, std::max(in_front - 4, 0), '0');
+        out = write_split(out, split_four(value / EIGHT_DIGITS), std::min(in_front, 4));
+        value %= EIGHT_DIGITS;
+        least = 8;
     }
-    out = write_decimal(out, value / EIGHT_DIGITS, least - 8);
-    return write_decimal(out, value % EIGHT_DIGITS, 8);
+    return write_split(out, split_eight(value), least);
 }
 
 }  // namespace ifwatch
