@@ -77,9 +77,12 @@ void hex_dump(octets data, int length, int per_line, int indent) {
         if (line == nullptr) {
             return;
         }
-        std::fill_n(line, blanks + OFFSET_WIDTH_MAX + columns, ' ');
-        char* const out = write_offset(line + blanks, static_cast<std::uint32_t>(offset));
-        write_row(out, shown.subspan(offset, std::min(width, shown.size() - offset)), width);
+        const auto row = shown.subspan(offset, std::min(width, shown.size() - offset));
+        char* const out = write_offset(std::fill_n(line, blanks, ' '), static_cast<std::uint32_t>(offset));
+        if (row.size() < width || width == 1) {  // the halves of a full row bring all its blanks
+            std::fill_n(out, columns, ' ');
+        }
+        write_row(out, row, width);
         out[columns] = '\n';
         standard_output.used += static_cast<std::size_t>(out - line) + columns + 1;
     }
