@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/format.h"
 #include "support/captured_output.h"
 
 namespace ifwatch {
@@ -53,6 +54,46 @@ TEST(hex_dump, one_octet_a_line) { EXPECT_EQ(dumped({0x41, 0x42}, 2, 1, 0), "000
 
 TEST(hex_dump, an_odd_line_has_its_gap_at_the_integer_half) {
     EXPECT_EQ(dumped({1, 2, 3}, 3, 3, 0), "0000: 01  02 03  ...\n");
+}
+
+template <format_text Format>
+std::string formatted(unsigned value) {
+    text_buffer<32> text;
+    print_to<Format>(text, value);
+    return std::string(text.text());
+}
+
+/// One octet after the other.
+std::string plainly(const std::vector<std::uint8_t>& data, std::size_t per_line) {
+    std::string all;
+    for (std::size_t line = 0; line < data.size(); line += per_line) {
+        all += formatted<"%04x: ">(static_cast<unsigned>(line));
+        std::string characters;
+        for (std::size_t column = 0; column < per_line; ++column) {
+            all += column == per_line / 2 ? " " : "";
+            if (line + column >= data.size()) {
+                all += "   ";
+                characters += ' ';
+                continue;
+            }
+            const std::uint8_t octet = data[line + column];
+            all += formatted<"%02x ">(octet);
+            characters += is_printable(octet) ? static_cast<char>(octet) : '.';
+        }
+        all += " " + characters + "\n";
+    }
+    return all;
+}
+
+TEST(hex_dump, agrees_with_a_plain_one_for_every_width_and_length) {
+    for (std::size_t per_line = 1; per_line <= 20; ++per_line) {
+        for (std::size_t length = 0; length <= 45; ++length) {
+            std::vector<std::uint8_t> data(length);
+            std::iota(data.begin(), data.end(), static_cast<std::uint8_t>(0x6E));
+            ASSERT_EQ(dumped(data, static_cast<int>(length), static_cast<int>(per_line), 0), plainly(data, per_line))
+                << length << " octets, " << per_line << " a line";
+        }
+    }
 }
 
 TEST(hex_dump, nothing_to_print) {
