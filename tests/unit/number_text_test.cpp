@@ -69,6 +69,9 @@ TEST(write_hex, has_as_many_digits_as_it_needs_or_must) {
     };
     EXPECT_EQ(hex(0, 0), "0");
     EXPECT_EQ(hex(0xF, 4), "000f");
+    EXPECT_EQ(hex(0xF, 2), "0f");
+    EXPECT_EQ(hex(0xFF, 2), "ff");
+    EXPECT_EQ(hex(0x100, 2), "100");
     EXPECT_EQ(hex(0x10, 0), "10");
     EXPECT_EQ(hex(0xFFFFFFFF, 0), "ffffffff");
     EXPECT_EQ(hex(0xABC, 10), "0000000abc");
