@@ -338,7 +338,7 @@ bool print_at_once(text_sink& sink, const Arguments& arguments, std::index_seque
 /// Kept out of the way of print_at_once, which nearly all texts take.
 template <format_text Format, class Arguments, std::size_t... Index>
 [[gnu::noinline]] void print_in_pieces(text_sink& sink, const Arguments& arguments,
-                                                  std::index_sequence<Index...> /*pieces*/) {
+                                       std::index_sequence<Index...> /*pieces*/) {
     std::array<format_argument, std::tuple_size_v<Arguments>> values;
     (piece_of<Format, Index, Arguments>::collect(values, arguments), ...);
     put_pieces(sink, Format.view(), pieces_of<Format>, values);

@@ -1,6 +1,6 @@
 // A plugin of clang-tidy: its checks look through this project's declarations only. Without it they look through every
-// header of the system as well, to drop what they find there, which takes most of their time. The compiler and the analyzer
-// see everything as before.
+// header of the system as well, to drop what they find there, which takes most of their time. The compiler and the
+// analyzer see everything as before.
 #include <clang/AST/ASTConsumer.h>
 #include <clang/AST/ASTContext.h>
 #include <clang/AST/Decl.h>
