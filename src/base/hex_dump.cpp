@@ -4,6 +4,7 @@
 #include <array>
 #include <cstring>
 #include <span>
+#include <string_view>
 
 #include "base/number_text.h"
 #include "base/print.h"
@@ -12,6 +13,7 @@ namespace ifwatch {
 
 namespace {
 
+constexpr std::size_t USUAL_WIDTH = 16;
 constexpr std::size_t OFFSET_WIDTH_MAX = 10;  // eight digits, a colon and a blank
 
 /// The digits of each octet, with two blanks: to copy four characters is quicker than two.
@@ -32,37 +34,50 @@ constexpr auto CHARACTERS = [] {
     return all;
 }();
 
+constexpr std::string_view BLANKS = "                ";
+
+/// In blocks, which are quicker to copy than to fill: up to BLANKS.size() - 1 more blanks are written than asked for.
+char* write_blanks(char* out, std::size_t count) {
+    for (std::size_t i = 0; i < count; i += BLANKS.size()) {
+        std::memcpy(out + i, BLANKS.data(), BLANKS.size());
+    }
+    return out + count;
+}
+
 char* write_offset(char* out, unsigned offset) {
-    out = write_hex(out, offset, 4, hex_digits(false));
+    if (offset <= 0xFFFF) {
+        std::memcpy(out, DIGITS[offset >> 8].data(), DIGITS[0].size());
+        std::memcpy(out + 2, DIGITS[offset & 0xFF].data(), DIGITS[0].size());
+        out += 4;
+    } else {
+        out = write_hex(out, offset, 4, hex_digits(false));
+    }
     *out++ = ':';
     *out++ = ' ';
     return out;
 }
 
-template <std::size_t Count>
-void write_octets(char* digits, char* characters, std::span<const std::uint8_t, Count> octets) {
-    for (const std::uint8_t octet : octets) {
-        std::memcpy(digits, DIGITS[octet].data(), DIGITS[octet].size());
-        digits += 3;
-        *characters++ = CHARACTERS[octet];
+/// One octet of a line, of which it is the `index`th, with the blanks behind it.
+void write_octet_at(char* line, std::uint8_t octet, std::size_t index, std::size_t per_line) {
+    const std::size_t gap = index >= per_line / 2 ? 1 : 0;
+    std::memcpy(line + 3 * index + gap, DIGITS[octet].data(), DIGITS[octet].size());
+    line[3 * per_line + 2 + index] = CHARACTERS[octet];
+}
+
+/// A full line, which the compiler writes without counting.
+template <std::size_t PerLine>
+void write_line(char* line, std::span<const std::uint8_t, PerLine> octets) {
+    for (std::size_t i = 0; i < PerLine; ++i) {
+        write_octet_at(line, octets[i], i, PerLine);
     }
 }
 
-/// Half a line. Most are of eight octets, which the compiler then writes without counting.
-void write_half(char* digits, char* characters, std::span<const std::uint8_t> octets) {
-    if (octets.size() == 8) {
-        write_octets(digits, characters, octets.first<8>());
-    } else {
-        write_octets(digits, characters, octets);
+/// A line of any length.
+void write_line(char* line, std::span<const std::uint8_t> octets, std::size_t per_line) {
+    write_blanks(line, 4 * per_line + 2);
+    for (std::size_t i = 0; i < octets.size(); ++i) {
+        write_octet_at(line, octets[i], i, per_line);
     }
-}
-
-/// The octets with a gap in the middle, and their characters.
-void write_row(char* out, std::span<const std::uint8_t> row, std::size_t per_line) {
-    const std::size_t half = std::min(row.size(), per_line / 2);
-    char* const characters = out + 3 * per_line + 2;
-    write_half(out, characters, row.first(half));
-    write_half(out + 3 * half + 1, characters + half, row.subspan(half));
 }
 
 }  // namespace
@@ -70,21 +85,22 @@ void write_row(char* out, std::span<const std::uint8_t> row, std::size_t per_lin
 void hex_dump(octets data, int length, int per_line, int indent) {
     const auto width = static_cast<std::size_t>(std::max(per_line, 1));
     const auto blanks = static_cast<std::size_t>(std::max(indent, 0));
+    const std::size_t columns = 4 * width + 2;  // behind the offset
     const auto shown = data.run(0, length);
     for (std::size_t offset = 0; offset < shown.size(); offset += width) {
-        const std::size_t columns = 4 * width + 2;  // behind the offset
-        char* const line = reserve(standard_output, blanks + OFFSET_WIDTH_MAX + columns + 1);
-        if (line == nullptr) {
+        char* const begin = reserve(standard_output, blanks + OFFSET_WIDTH_MAX + columns + BLANKS.size());
+        if (begin == nullptr) {
             return;
         }
-        const auto row = shown.subspan(offset, std::min(width, shown.size() - offset));
-        char* const out = write_offset(std::fill_n(line, blanks, ' '), static_cast<std::uint32_t>(offset));
-        if (row.size() < width || width == 1) {  // the halves of a full row bring all its blanks
-            std::fill_n(out, columns, ' ');
+        const auto rest = shown.subspan(offset);
+        char* const line = write_offset(write_blanks(begin, blanks), static_cast<std::uint32_t>(offset));
+        if (width == USUAL_WIDTH && rest.size() >= USUAL_WIDTH) {
+            write_line(line, rest.first<USUAL_WIDTH>());
+        } else {
+            write_line(line, rest.first(std::min(width, rest.size())), width);
         }
-        write_row(out, row, width);
-        out[columns] = '\n';
-        standard_output.used += static_cast<std::size_t>(out - line) + columns + 1;
+        line[columns] = '\n';
+        standard_output.used += static_cast<std::size_t>(line - begin) + columns + 1;
     }
 }
 

@@ -7,30 +7,54 @@ namespace {
 constexpr std::uint32_t FOUR_DIGITS = 10'000;
 constexpr std::uint32_t EIGHT_DIGITS = 100'000'000;
 
-/// The digits of a number below FOUR_DIGITS, each an octet and the first the lowest: the number is split into pairs
-/// and these into digits, both at once. The factors are 1/100 and 1/10 in binary, near enough for so few digits.
-constexpr std::uint32_t split_four(std::uint32_t value) {
-    const std::uint32_t hundreds = value * 5243 >> 19;
-    const std::uint32_t pairs = hundreds | (value - hundreds * 100) << 16;
-    const std::uint32_t tens = (pairs * 103 >> 10) & 0x000F000F;
+/// For numbers whose highest bit is this one: what brings their number of digits into the upper half of the sum.
+constexpr auto DIGIT_STEPS = [] {
+    std::array<std::uint64_t, 32> all{};
+    std::uint64_t power = 10;  // the first number that has a digit more
+    std::uint64_t digits = 1;
+    for (std::size_t bit = 0; bit < all.size(); ++bit) {
+        const bool crosses = power >> bit < 2;  // within the numbers of this bit
+        all[bit] = crosses ? ((digits + 1) << 32) - power : digits << 32;
+        digits += crosses ? 1 : 0;
+        power *= crosses ? 10 : 1;
+    }
+    return all;
+}();
+
+/// Without waiting for the digits themselves: what is printed behind a number can start before they are there.
+int count_digits(std::uint32_t value) {
+    return static_cast<int>((value + DIGIT_STEPS[static_cast<std::size_t>(std::bit_width(value | 1U)) - 1]) >> 32);
+}
+
+/// The digits of a number below EIGHT_DIGITS, each an octet and the first the lowest: the number is split into fours,
+/// these into pairs and these into digits, all at once. The factors are 1/100 and 1/10 in binary, near enough for so
+/// few digits.
+constexpr std::uint64_t split_eight(std::uint32_t value) {
+    const std::uint64_t fours = value / FOUR_DIGITS | static_cast<std::uint64_t>(value % FOUR_DIGITS) << 32;
+    const std::uint64_t hundreds = (fours * 5243 >> 19) & 0x0000007F0000007F;
+    const std::uint64_t pairs = hundreds | (fours - hundreds * 100) << 16;
+    const std::uint64_t tens = (pairs * 103 >> 10) & 0x000F000F000F000F;
     return tens | (pairs - tens * 10) << 8;
 }
 
-constexpr std::uint64_t split_eight(std::uint32_t value) {
-    return split_four(value / FOUR_DIGITS) | static_cast<std::uint64_t>(split_four(value % FOUR_DIGITS)) << 32;
-}
-
-/// Writes digits that are split, without zeros in front but as many as `least` asks for.
-template <class Digits>
-char* write_split(char* out, Digits digits, int least) {
-    constexpr int most = sizeof digits;
-    constexpr auto last = Digits{1} << 8 * (most - 1);  // the last digit is written even when it is 0
-    const int zeros = std::min(std::countr_zero(digits | last) / 8, most - std::max(least, 0));
-    const Digits characters = (digits | static_cast<Digits>(0x3030303030303030)) >> 8 * zeros;
-    for (int i = 0; i < most; ++i) {
+/// Writes the last `count` of eight digits, and spoils what is behind them up to eight characters.
+char* write_last(char* out, std::uint64_t digits, int count) {
+    const std::uint64_t characters = (digits | 0x3030303030303030) >> 8 * (8 - count);
+    for (int i = 0; i < 8; ++i) {
         out[i] = static_cast<char>(characters >> 8 * i & 0xFF);
     }
-    return out + most - zeros;
+    return out + count;
+}
+
+/// More than eight digits. Kept out of the way of the others.
+[[gnu::noinline]] char* write_long(char* out, std::uint32_t value, int count) {
+    const int most = 10;
+    out = std::fill_n(out, std::max(count - most, 0), '0');
+    const std::uint32_t front = value / EIGHT_DIGITS;
+    *out = static_cast<char>('0' + front / 10);
+    out += std::min(count, most) - 9;  // the first of ten digits stays only where there are so many
+    *out = static_cast<char>('0' + front % 10);
+    return write_last(out + 1, split_eight(value % EIGHT_DIGITS), 8);
 }
 
 }  // namespace
@@ -53,17 +77,8 @@ char* write_decimal(char* out, std::uint32_t value, int least) {
     if (value < OCTET_DIGITS.size() && least <= 1) {
         return write_octet(out, static_cast<std::uint8_t>(value));
     }
-    if (value < FOUR_DIGITS && least <= 4) {
-        return write_split(out, split_four(value), least);
-    }
-    if (value >= EIGHT_DIGITS || least > 8) {
-        const int in_front = least - 8;
-        out = std::fill_n(out, std::max(in_front - 4, 0), '0');
-        out = write_split(out, split_four(value / EIGHT_DIGITS), std::min(in_front, 4));
-        value %= EIGHT_DIGITS;
-        least = 8;
-    }
-    return write_split(out, split_eight(value), least);
+    const int count = std::max(count_digits(value), least);
+    return count <= 8 ? write_last(out, split_eight(value), count) : write_long(out, value, count);
 }
 
 }  // namespace ifwatch

@@ -28,10 +28,8 @@ constexpr named_value PROTOCOL_NAMES[] = {
 
 void print_header(octets datagram) {
     const int protocol = datagram[9];
-    print<"\t     IP-Packet from ">();
-    print<"%d.%d.%d.%d to ">(datagram[12], datagram[13], datagram[14], datagram[15]);
-    print<"%d.%d.%d.%d  ">(datagram[16], datagram[17], datagram[18], datagram[19]);
-    print<"protocol ">();
+    print<"\t     IP-Packet from %d.%d.%d.%d to %d.%d.%d.%d  protocol ">(
+        datagram[12], datagram[13], datagram[14], datagram[15], datagram[16], datagram[17], datagram[18], datagram[19]);
     print_named(value_name(PROTOCOL_NAMES, protocol, "%d"), static_cast<std::uint32_t>(protocol));
     print<" \n">();
 }

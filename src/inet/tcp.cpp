@@ -29,9 +29,10 @@ void dump_tcp(octets segment, display_context& context, int ip_total_length) {
     const int destination_port = segment.be16(2);
     const int data_offset = segment[12] >> 4;
     print<"\t     TCP-Message, sourceport %u destinationport %u\n">(source_port, destination_port);
-    print<"\t                  sequence number %lu\n">(segment.be32(4));
-    print<"\t                  acknowledgement number %lu\n">(segment.be32(8));
-    print<"\t                  offset %d flags ">(data_offset);
+    print<
+        "\t                  sequence number %lu\n"
+        "\t                  acknowledgement number %lu\n"
+        "\t                  offset %d flags ">(segment.be32(4), segment.be32(8), data_offset);
     print_flags(segment[13]);
     print<"\n">();
     print<"\t                  window %u checksum 0x%x urgent %u\n">(segment.be16(14), segment.be16(16),

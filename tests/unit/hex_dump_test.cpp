@@ -64,10 +64,10 @@ std::string formatted(unsigned value) {
 }
 
 /// One octet after the other.
-std::string plainly(const std::vector<std::uint8_t>& data, std::size_t per_line) {
+std::string plainly(const std::vector<std::uint8_t>& data, std::size_t per_line, std::size_t indent) {
     std::string all;
     for (std::size_t line = 0; line < data.size(); line += per_line) {
-        all += formatted<"%04x: ">(static_cast<unsigned>(line));
+        all += std::string(indent, ' ') + formatted<"%04x: ">(static_cast<unsigned>(line));
         std::string characters;
         for (std::size_t column = 0; column < per_line; ++column) {
             all += column == per_line / 2 ? " " : "";
@@ -85,12 +85,14 @@ std::string plainly(const std::vector<std::uint8_t>& data, std::size_t per_line)
     return all;
 }
 
-TEST(hex_dump, agrees_with_a_plain_one_for_every_width_and_length) {
+TEST(hex_dump, agrees_with_a_plain_one_for_every_width_length_and_indent) {
     for (std::size_t per_line = 1; per_line <= 20; ++per_line) {
         for (std::size_t length = 0; length <= 45; ++length) {
             std::vector<std::uint8_t> data(length);
             std::iota(data.begin(), data.end(), static_cast<std::uint8_t>(0x6E));
-            ASSERT_EQ(dumped(data, static_cast<int>(length), static_cast<int>(per_line), 0), plainly(data, per_line))
+            const std::size_t indent = (length + per_line) % 34;
+            ASSERT_EQ(dumped(data, static_cast<int>(length), static_cast<int>(per_line), static_cast<int>(indent)),
+                      plainly(data, per_line, indent))
                 << length << " octets, " << per_line << " a line";
         }
     }
