@@ -20,7 +20,7 @@ namespace ifwatch::bench {
 namespace {
 
 constexpr unsigned RECORDS = 200000;
-constexpr int ROUNDS = 15;
+constexpr int ROUNDS = 31;
 constexpr unsigned RECORDS_OF_OTHERS = 50000;
 constexpr double GOAL_OF_TEXT = 1.0 / 6;
 constexpr const char* MICROSECONDS = " us";
