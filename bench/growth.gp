@@ -14,6 +14,8 @@ set key top left
 name(i) = i == 1 ? "Ethernet, TCP: decoded, first lines in hexadecimal" : \
           i == 2 ? "the same, whole in hexadecimal (-!)" : \
           i == 3 ? "SNMP, 32 levels deep, whole in hexadecimal" : \
-                   "Q.931, causes from the end of their table, whole in hexadecimal"
-series(i) = i == 1 ? "first lines" : i == 2 ? "whole frame (-!)" : i == 3 ? "deepest nesting (-!)" : "largest table (-!)"
-plot for [i=1:4] data using (strcol(1) eq series(i) ? $2 : NaN):3 with linespoints pointtype 7 linewidth 2 title name(i)
+          i == 4 ? "Q.931, causes from the end of their table, whole in hexadecimal" : \
+                   "NetWare, seven servers from the end of the largest table, whole in hexadecimal"
+series(i) = i == 1 ? "first lines" : i == 2 ? "whole frame (-!)" : i == 3 ? "deepest nesting (-!)" : \
+            i == 4 ? "most look-ups (-!)" : "servers, largest table (-!)"
+plot for [i=1:5] data using (strcol(1) eq series(i) ? $2 : NaN):3 with linespoints pointtype 7 linewidth 2 title name(i)

@@ -14,8 +14,11 @@ rm -f "$scratch"/*.pcap
 [ $# -eq 0 ] || exit 0
 
 # What earlier runs left here does not make the commit another one.
-commit=$(git rev-parse --short HEAD 2>/dev/null || echo unknown)
-git diff --quiet HEAD -- . ':!bench/history.tsv' ':!bench/RESULTS.md' ':!docs/growth.svg' || commit=$commit-dirty
+if commit=$(git rev-parse --short HEAD 2>/dev/null); then
+    git diff --quiet HEAD -- . ':!bench/history.tsv' ':!bench/RESULTS.md' ':!docs/growth.svg' || commit=$commit-dirty
+else
+    commit=unknown
+fi
 machine="$(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -n 1), $(nproc) processors, Linux $(uname -r)"
 compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[^=]*=//p' "$programs/CMakeCache.txt")
 

@@ -41,8 +41,9 @@ command trace(const workplace& place, const server& feeder, const command& optio
     return command{place.program("ifwatch"), "-V1", "-P" + feeder.port()} + options + command{"127.0.0.1", "1000"};
 }
 
-command floor_of(const workplace& place, const server& feeder) {
-    return {place.program("floor_reader"), feeder.port(), place.file("sizes")};
+/// `sizes` is the name of the file that record_writes has left.
+command floor_of(const workplace& place, const server& feeder, const char* sizes) {
+    return {place.program("floor_reader"), feeder.port(), place.file(sizes)};
 }
 
 void stop_unless(bool done, const command& what) {
@@ -76,9 +77,9 @@ double run_into_pipe(const command& what) {
     return run_into_pipe(what, ignored);
 }
 
-/// Runs the tracer with a standard output that keeps its writes apart, and leaves their sizes in the file `sizes`.
+/// Runs the tracer with a standard output that keeps its writes apart, and leaves their sizes in the file `name`.
 /// Returns how many octets they were.
-std::size_t record_writes(const workplace& place, const command& what) {
+std::size_t record_writes(const workplace& place, const command& what, const char* name) {
     std::array<int, 2> ends{};
     stop_unless(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) == 0, what);
     const pid_t child = start(what, {.output = ends[1]});
@@ -90,7 +91,7 @@ std::size_t record_writes(const workplace& place, const command& what) {
     }
     close(ends[0]);
     stop_unless(wait_for(child).status == 0 && sizes.size() == RECORDS, what);
-    std::FILE* const file = std::fopen(place.file("sizes").c_str(), "we");
+    std::FILE* const file = std::fopen(place.file(name).c_str(), "we");
     stop_unless(file != nullptr && std::fwrite(sizes.data(), sizeof sizes[0], sizes.size(), file) == sizes.size() &&
                     std::fclose(file) == 0,
                 what);
@@ -119,8 +120,8 @@ pair_of_times take_turns(const command& program, const command& floor, Run run_o
 
 void measure_sinks(const workplace& place, const server& feeder, figures& rows) {
     const command program = trace(place, feeder, {"-h", "-i"});
-    const command floor = floor_of(place, feeder);
-    const std::size_t text = record_writes(place, program);
+    const command floor = floor_of(place, feeder, "sizes.lan");
+    const std::size_t text = record_writes(place, program, "sizes.lan");
     const auto null = take_turns(program, floor, [](const command& what) { return run(what); });
     rows.push_back(row_against("LAN frame into /dev/null", MICROSECONDS, null.program, null.floor, 1.5, null.ratio));
     const auto pipe = take_turns(program, floor, [](const command& what) { return run_into_pipe(what); });
@@ -187,6 +188,7 @@ bool write_empty_pcap(const workplace& place) {
 struct call_trace {
     std::string name;
     const char* source;
+    const char* sizes;
     bool has_goal;
 };
 
@@ -194,8 +196,9 @@ struct call_trace {
 void measure_calls(const workplace& place, const call_trace& calls, figures& rows) {
     const server feeder(serve(place, calls.source));
     const command program = trace(place, feeder, {"-2", "-3", "-h"});
-    const auto text = static_cast<double>(record_writes(place, program)) / RECORDS;
-    const auto times = take_turns(program, floor_of(place, feeder), [](const command& what) { return run(what); });
+    const auto text = static_cast<double>(record_writes(place, program, calls.sizes)) / RECORDS;
+    const auto times =
+        take_turns(program, floor_of(place, feeder, calls.sizes), [](const command& what) { return run(what); });
     figure whole = row_below((calls.name + ", an octet of text").c_str(), NANOSECONDS, times.program * 1e3 / text, 3);
     whole.floor = decimal(times.floor * 1e3 / text, 2) + NANOSECONDS;
     whole.ratio = decimal(times.ratio, 2);
@@ -222,8 +225,8 @@ void measure_streams(const workplace& place, figures& rows) {
 }
 
 void measure_dchannel(const workplace& place, figures& rows) {
-    measure_calls(place, {"D-channel, all elements", "tests/golden/isdn/elements.case", true}, rows);
-    measure_calls(place, {"D-channel, a call", "samples/isdn-call.case", false}, rows);
+    measure_calls(place, {"D-channel, all elements", "tests/golden/isdn/elements.case", "sizes.elements", true}, rows);
+    measure_calls(place, {"D-channel, a call", "samples/isdn-call.case", "sizes.call", false}, rows);
 }
 
 }  // namespace ifwatch::bench

@@ -220,6 +220,27 @@ frame tables(std::size_t length) {
     return made;
 }
 
+/// NetWare servers of a type that stands last in its table, as many as are shown; behind them zeros.
+frame services(std::size_t length) {
+    constexpr std::array<std::uint8_t, 32> headers = {
+        0xFF, 0xFF, 0,    0,    0,    4,                                                  // IPX: type 4
+        0,    0,    0x0A, 0x01, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x04, 0x52,           // to
+        0,    0,    0x0A, 0x01, 0x02, 0,    0x02, 0x05, 0x0A, 0x10, 0x40, 0x03, 0, 0x02,  // from; a response
+    };
+    constexpr std::array<std::uint8_t, 8> unknown_server = {0, 0, 'S', 'E', 'R', 'V', 'E', 'R'};
+    constexpr std::size_t most = 7;
+    constexpr std::size_t entry = 64;
+    frame made(length);
+    std::ranges::copy(STATIONS, made.begin());
+    store_be16(&made[ETHERNET - 2], 0x8137);
+    std::ranges::copy(headers, &made[ETHERNET]);
+    store_be16(&made[ETHERNET + 2], static_cast<std::uint16_t>(length - ETHERNET));
+    for (std::size_t i = 0, at = ETHERNET + headers.size(); i < most && at + entry <= length; ++i, at += entry) {
+        std::ranges::copy(unknown_server, &made[at]);
+    }
+    return made;
+}
+
 void append(traffic& block, const frame& data) {
     block.starts.push_back(block.octets.size());
     const auto flags = static_cast<std::uint32_t>(block.starts.size() % 2);  // sent and received in turn
@@ -248,6 +269,7 @@ constexpr named_kind KINDS[] = {
     {"tcp=", frame_kind::TCP},
     {"nested=", frame_kind::NESTED},
     {"tables=", frame_kind::TABLES},
+    {"services=", frame_kind::SERVICES},
 };
 
 }  // namespace
@@ -258,6 +280,8 @@ std::vector<std::uint8_t> make_frame(frame_kind kind, std::size_t length) {
             return nested(length);
         case frame_kind::TABLES:
             return tables(length);
+        case frame_kind::SERVICES:
+            return services(length);
         default:
             return frame_maker().tcp(length);
     }

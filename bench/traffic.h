@@ -18,9 +18,10 @@ struct traffic {
 /// Frames that are made, not captured. Each has the asked length (a multiple of 2, at least 64) and the same octets in
 /// every run.
 enum class frame_kind {
-    TCP,     // Ethernet, IPv4, TCP and data
-    NESTED,  // SNMP: 32 sequences inside each other, the innermost filled with numbers
-    TABLES,  // Q.931: cause elements whose value stands last in its table
+    TCP,       // Ethernet, IPv4, TCP and data
+    NESTED,    // SNMP: 32 sequences inside each other, the innermost filled with numbers
+    TABLES,    // Q.931: cause elements whose value stands last in its table, a look-up for every four octets
+    SERVICES,  // NetWare: servers whose type stands last in the largest table
 };
 
 [[nodiscard]] std::vector<std::uint8_t> make_frame(frame_kind kind, std::size_t length);
@@ -29,8 +30,8 @@ enum class frame_kind {
 /// Ethernet frames of 60 to 1514 octets with correct checksums: TCP mostly, some UDP, ICMP and ARP.
 [[nodiscard]] traffic make_mixed_frames(std::size_t records);
 
-/// What `source` names: "mixed", "tcp=LENGTH", "nested=LENGTH", "tables=LENGTH", or the path of a case file. On a
-/// mistake false, with what is wrong in `error`.
+/// What `source` names: "mixed", "tcp=LENGTH", "nested=LENGTH", "tables=LENGTH", "services=LENGTH", or the path of a
+/// case file. On a mistake false, with what is wrong in `error`.
 bool find_traffic(std::string_view source, traffic& found, std::string& error);
 
 /// Gives the records the sequence numbers from `first` on, and time stamps that go on with them.

@@ -7,7 +7,8 @@ namespace {
 constexpr std::uint32_t FOUR_DIGITS = 10'000;
 constexpr std::uint32_t EIGHT_DIGITS = 100'000'000;
 
-/// For numbers whose highest bit is this one: what brings their number of digits into the upper half of the sum.
+/// For numbers whose highest bit is this one: added to such a number, the sum has its count of digits in the upper
+/// 32 bits.
 constexpr auto DIGIT_STEPS = [] {
     std::array<std::uint64_t, 32> all{};
     std::uint64_t power = 10;  // the first number that has a digit more
@@ -21,14 +22,14 @@ constexpr auto DIGIT_STEPS = [] {
     return all;
 }();
 
-/// Without waiting for the digits themselves: what is printed behind a number can start before they are there.
+/// Without dividing: where the text goes on is known long before the digits are.
 int count_digits(std::uint32_t value) {
     return static_cast<int>((value + DIGIT_STEPS[static_cast<std::size_t>(std::bit_width(value | 1U)) - 1]) >> 32);
 }
 
 /// The digits of a number below EIGHT_DIGITS, each an octet and the first the lowest: the number is split into fours,
-/// these into pairs and these into digits, all at once. The factors are 1/100 and 1/10 in binary, near enough for so
-/// few digits.
+/// these into pairs and these into digits, all at once. The factors are 1/100 in 19 bits, exact up to 9999, and 1/10 in
+/// 10 bits, exact up to 99.
 constexpr std::uint64_t split_eight(std::uint32_t value) {
     const std::uint64_t fours = value / FOUR_DIGITS | static_cast<std::uint64_t>(value % FOUR_DIGITS) << 32;
     const std::uint64_t hundreds = (fours * 5243 >> 19) & 0x0000007F0000007F;
@@ -46,7 +47,7 @@ char* write_last(char* out, std::uint64_t digits, int count) {
     return out + count;
 }
 
-/// More than eight digits. Kept out of the way of the others.
+/// More than eight digits. A function of its own, so that shorter numbers save no registers for its call of memset.
 [[gnu::noinline]] char* write_long(char* out, std::uint32_t value, int count) {
     const int most = 10;
     out = std::fill_n(out, std::max(count - most, 0), '0');

@@ -42,16 +42,15 @@ TEST(write_decimal, agrees_with_the_c_library_for_four_digits_and_in_both_halves
 }
 
 TEST(write_decimal, keeps_to_its_room) {
-    for (const std::uint32_t value : {0U, 7U, 255U, 256U, 65535U, 99999999U}) {
-        std::array<char, DECIMAL_ROOM + 1> room{};
-        room.back() = '#';
-        write_decimal(room.data(), value, 0);
-        EXPECT_EQ(room.back(), '#') << value;
+    for (const std::uint32_t value : {0U, 7U, 255U, 256U, 65535U, 99999999U, 100000000U, 4294967295U}) {
+        for (int least = 0; least <= 12; ++least) {
+            const std::size_t length = expected_decimal(value, least).size();
+            std::string room(32, '#');
+            write_decimal(room.data(), value, least);
+            const std::size_t taken = std::max(length, DECIMAL_ROOM);
+            EXPECT_EQ(room.substr(taken), std::string(room.size() - taken, '#')) << value << ", at least " << least;
+        }
     }
-    std::array<char, 11> longest{};
-    longest.back() = '#';
-    write_decimal(longest.data(), std::numeric_limits<std::uint32_t>::max(), 0);
-    EXPECT_EQ(longest.back(), '#') << "as many characters as digits";
 }
 
 TEST(write_octet, knows_every_octet) {
