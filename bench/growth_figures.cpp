@@ -26,7 +26,7 @@ constexpr std::uint32_t LAN_FLAGS = MODE_HEX | MODE_IP | MODE_PPP;
 constexpr std::uint32_t D_FLAGS = MODE_HEX | MODE_LAYER2_ASKED | MODE_LAYER3_ASKED;
 constexpr int ROUNDS = 400;
 constexpr std::size_t OCTETS_A_ROUND = 50000;  // so few that some rounds are not disturbed
-constexpr double FLAT = 1.1;  // what counts as no growth: the sizes differ in what the processor's caches hold
+constexpr double FLAT = 1.1;  // times the least so far is no growth: the processor's caches hold more of short records
 
 struct series {
     const char* name;
@@ -109,7 +109,7 @@ std::vector<point> measure(const series& what) {
     return points;
 }
 
-/// Nanoseconds an octet at the lengths of the table, and whether they fall or stay: none is above the least so far.
+/// Nanoseconds an octet at the lengths of the table, and whether they fall or stay.
 figure row_of(const series& what, const std::vector<point>& points) {
     figure row{.name = std::string("growth, ") + what.name, .goal = "falling or flat", .met = "yes"};
     double least = std::numeric_limits<double>::max();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/format.h"
+#include "base/print.h"
 #include "support/captured_output.h"
 
 namespace ifwatch {
@@ -95,6 +96,19 @@ TEST(hex_dump, agrees_with_a_plain_one_for_every_width_length_and_indent) {
                       plainly(data, per_line, indent))
                 << length << " octets, " << per_line << " a line";
         }
+    }
+}
+
+TEST(hex_dump, is_the_same_wherever_the_output_buffer_ends) {
+    std::vector<std::uint8_t> data(40);
+    std::iota(data.begin(), data.end(), std::uint8_t{0x41});
+    const std::string expected = plainly(data, 16, 6);
+    for (std::size_t room = 0; room < 320; ++room) {  // four lines
+        captured_output output;
+        const std::string before(standard_output.capacity - room, '#');
+        put(standard_output, before);
+        hex_dump(octets_of(data), 40, 16, 6);
+        EXPECT_TRUE(output.take() == before + expected) << room << " characters of room";
     }
 }
 
