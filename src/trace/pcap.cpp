@@ -36,16 +36,19 @@ struct pcap_record_header {
 };
 static_assert(sizeof(pcap_record_header) == 16);
 
-/// Writes all of `length` octets. Returns the length, or the result of the write that failed.
+/// Writes all of `length` octets, going on behind a write that took fewer. Returns the length; when going on fails,
+/// what the first write returned, with errno of the last one.
 long write_whole(int fd, const void* data, long length) {
     const char* const octets_begin = static_cast<const char*>(data);
+    long first = 0;
     long done = 0;
     while (done < length) {
         const long written = write(fd, octets_begin + done, static_cast<std::size_t>(length - done));
         if (written > 0) {
+            first = done == 0 ? written : first;
             done += written;
         } else if (written == 0 || errno != EINTR) {
-            return written;
+            return done == 0 ? written : first;
         }
     }
     return done;

@@ -10,6 +10,9 @@ struct display_context;
 
 inline constexpr int PCAP_HEADER_LENGTH = 24;
 
+// A write that took fewer octets than asked is gone on with. The message about one that failed has what its first
+// attempt took, and the error of the last.
+
 /// Writes the file header. The link type is `linktype_override` when that is 0 or more, otherwise that of the traced
 /// interface. Returns 24, or -1 after a message, with the descriptor closed.
 int write_pcap_header(int fd, const display_context& context, std::int32_t linktype_override);

@@ -7,10 +7,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <future>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -25,7 +23,7 @@
 namespace ifwatch::test {
 namespace {
 
-using namespace std::chrono_literals;
+using testing::EndsWith;
 using testing::HasSubstr;
 
 constexpr const char* NO_ACKNOWLEDGE =
@@ -181,11 +179,11 @@ protected:
 
     /// Traces two records of 14 octets into a file of at most `octets`.
     outcome trace(rlim_t octets, const std::vector<std::string>& options = {}) {
-        std::promise<void> limited;
-        const scripted_daemon daemon([&limited](const tcp_peer& client) {
+        std::promise<pid_t> started;
+        const scripted_daemon daemon([&started, octets](const tcp_peer& client) {
             client.receive(TRACE_REQUEST_OCTETS);
+            limit(started.get_future().get(), RLIMIT_FSIZE, octets);
             client.send({CHANNEL_TYPE_LAN});
-            limited.get_future().wait_for(10s);
             client.send(trace_record(1, std::vector<std::uint8_t>(14, 0xA1)));
             client.send(trace_record(2, std::vector<std::uint8_t>(14, 0xA2)));
         });
@@ -199,9 +197,7 @@ protected:
         arguments.insert(arguments.end(), options.begin(), options.end());
         arguments.insert(arguments.end(), {"127.0.0.1", "1000"});
         process tracer({.program = "sh", .arguments = arguments});
-        EXPECT_TRUE(wait_for_header());
-        limit(tracer.id(), RLIMIT_FSIZE, octets);
-        limited.set_value();
+        started.set_value(tracer.id());
         return tracer.wait();
     }
 
@@ -212,27 +208,31 @@ protected:
     }
 
 private:
-    bool wait_for_header() {
-        struct stat entry {};
-        const auto until = std::chrono::steady_clock::now() + 10s;
-        while (std::chrono::steady_clock::now() < until) {
-            if (stat(name_.c_str(), &entry) == 0 && entry.st_size == FILE_HEADER) {
-                return true;
-            }
-            std::this_thread::sleep_for(1ms);
-        }
-        return false;
-    }
-
     temp_directory directory_;
     std::string name_ = directory_.file("out.pcap");
 };
+
+// The messages tell what the first attempt took, and why the next one took nothing.
+
+TEST_F(full_file, the_file_header_does_not_fit) {
+    const outcome got = trace(10);
+    EXPECT_EQ(got.status, 1);
+    EXPECT_THAT(got.errors, EndsWith("ERROR write pcap header ret : 10\nwrite pcap file header: File too large\n"));
+    EXPECT_EQ(written(), pcap_of(0).substr(0, 10));
+}
+
+TEST_F(full_file, has_no_room_at_all) {
+    const outcome got = trace(0);
+    EXPECT_EQ(got.status, 1);
+    EXPECT_THAT(got.errors, EndsWith("ERROR write pcap header ret : -1\nwrite pcap file header: File too large\n"));
+    EXPECT_EQ(written(), "");
+}
 
 TEST_F(full_file, a_record_header_does_not_fit) {
     const outcome got = trace(FILE_HEADER + 10);
     EXPECT_EQ(got.status, 0);
     EXPECT_THAT(got.errors, HasSubstr("Packets captured:        0"
-                                      "ERROR write pcap datahdr ret : -1\nwrite pcap data header: File too large\n"
+                                      "ERROR write pcap datahdr ret : 10\nwrite pcap data header: File too large\n"
                                       "\b\b\b\b\b\b\b\b       1"
                                       "ERROR write pcap datahdr ret : -1\nwrite pcap data header: Bad file descriptor\n"
                                       "\b\b\b\b\b\b\b\b       2" +
@@ -245,7 +245,7 @@ TEST_F(full_file, a_frame_does_not_fit_and_the_display_goes_on) {
     EXPECT_EQ(got.status, 0);
     EXPECT_EQ(got.output, "000001.000 X DATA[0014]   \n\n000002.000 X DATA[0014]   \n\n");
     EXPECT_THAT(got.errors,
-                HasSubstr("\nERROR write pcap data ret : -1\nwrite pcap data pkt: File too large\n"
+                HasSubstr("\nERROR write pcap data ret : 5\nwrite pcap data pkt: File too large\n"
                           "ERROR write pcap datahdr ret : -1\nwrite pcap data header: Bad file descriptor\n" +
                           std::string(STREAM_END)));
     EXPECT_EQ(written(), pcap_of(1).substr(0, FILE_HEADER + RECORD_HEADER + 5));

@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <string>
@@ -74,6 +75,27 @@ TEST(interrupted_call, a_pcap_header_is_written) {
     const display_context context;
     const interruption signals([&pipe] { pipe.make_room(); });
     EXPECT_EQ(write_pcap_header(pipe.writer(), context, 1), PCAP_HEADER_LENGTH);
+}
+
+TEST(interrupted_call, a_pcap_record_is_written_in_parts) {
+    const octet_pipe pipe;
+    ASSERT_GT(fcntl(pipe.writer(), F_SETPIPE_SZ, 1), 0);
+    std::vector<std::uint8_t> frame(8192, 0xA5);  // more than the pipe holds
+    const record_header header;
+    display_context context;
+    context.header = &header;
+    context.payload = octets_of(frame);
+    std::vector<std::uint8_t> received(16 + frame.size());
+    testing::internal::CaptureStderr();
+    {
+        const interruption signals([&pipe, &received] {
+            const auto all = static_cast<int>(received.size());
+            EXPECT_EQ(read_n(pipe.reader(), received.data(), all), all);
+        });
+        EXPECT_EQ(write_pcap_record(pipe.writer(), context), 0);
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_TRUE(std::equal(frame.begin(), frame.end(), received.begin() + 16));
 }
 
 TEST(interrupted_call, a_report_is_written) {
