@@ -48,22 +48,6 @@ const char* find_host(const char* host) {
     return value;
 }
 
-/// The first IPv4 address of a name or of a dotted address; INADDR_NONE when there is none.
-in_addr resolve(const char* host) {
-    addrinfo wanted{};
-    wanted.ai_family = AF_INET;
-    wanted.ai_socktype = SOCK_STREAM;
-    addrinfo* found = nullptr;
-    in_addr address{INADDR_NONE};
-    if (getaddrinfo(host, nullptr, &wanted, &found) == 0) {
-        sockaddr_in first{};
-        std::memcpy(&first, found->ai_addr, sizeof first);
-        address = first.sin_addr;
-        freeaddrinfo(found);
-    }
-    return address;
-}
-
 std::optional<sockaddr_in> find_daemon(const session_settings& settings) {
     const auto port = find_port(settings.port);
     const char* const host = port ? find_host(settings.host) : nullptr;
@@ -73,7 +57,8 @@ std::optional<sockaddr_in> find_daemon(const session_settings& settings) {
     sockaddr_in daemon{};
     daemon.sin_family = AF_INET;
     daemon.sin_port = htons(*port);
-    daemon.sin_addr = resolve(host);
+    // Not getaddrinfo: it puts the address in front that it takes to be nearest, and the first is to be the resolver's.
+    daemon.sin_addr = first_address(gethostbyname(host), host);
     if (daemon.sin_addr.s_addr == INADDR_ANY || daemon.sin_addr.s_addr == INADDR_NONE) {
         report<"Illegal Host Setting %s!\n">(host);
         return std::nullopt;
@@ -122,6 +107,14 @@ struct dotted_address {
 };
 
 }  // namespace
+
+in_addr first_address(const hostent* found, const char* text) {
+    in_addr address{inet_addr(text)};
+    if (found != nullptr && found->h_addrtype == AF_INET && found->h_addr_list[0] != nullptr) {
+        std::memcpy(&address, found->h_addr_list[0], sizeof address);
+    }
+    return address;
+}
 
 int connect_trace(const session_settings& settings, int quiet_level) {
     const auto daemon = find_daemon(settings);

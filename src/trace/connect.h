@@ -1,7 +1,11 @@
 #pragma once
 
+#include <netinet/in.h>
+
 #include <cstdint>
 #include <vector>
+
+struct hostent;
 
 namespace ifwatch {
 
@@ -19,6 +23,10 @@ struct session_settings {
     bool list_mode = false;
     std::vector<listed_interface>* listed = nullptr;  // takes the interface list; nullptr: it is printed
 };
+
+/// The first IPv4 address of what the resolver has found for `text`, in its own order. Without one (`found` may be
+/// nullptr) the text is taken for a dotted address; INADDR_NONE when it is none.
+[[nodiscard]] in_addr first_address(const hostent* found, const char* text);
 
 /// Connects to the trace daemon over IPv4 and reports it at `verbose_level` >= `quiet_level`. Returns the socket, or
 /// -1 after a message that names what failed.

@@ -10,6 +10,7 @@
 #include "support/programs.h"
 #include "support/scripted_daemon.h"
 #include "support/session_script.h"
+#include "support/temp_directory.h"
 
 namespace ifwatch::test {
 namespace {
@@ -39,6 +40,27 @@ TEST(connecting, illegal_hosts) {
         EXPECT_EQ(got.errors, "Illegal Host Setting " + host + "!\n");
         EXPECT_EQ(got.status, 1);
     }
+}
+
+TEST(connecting, the_first_address_that_the_resolver_lists) {
+    const temp_directory directory;
+    const std::string hosts = directory.write("hosts", "127.0.0.5 two.test\n127.0.0.1 two.test\n");
+    // A name space of its own, where the hosts file is another.
+    const std::string own_hosts = "mount --bind \"$0\" /etc/hosts || exit 77; exec \"$@\"";
+    const outcome got = run({.program = "unshare",
+                             .arguments = {"--map-root-user", "--mount", "sh", "-c", own_hosts, hosts, IFWATCH_PROGRAM,
+                                           "-vv", "-P1", "two.test", "1000"},
+                             .environment = {{"ASAN_OPTIONS", "detect_leaks=0"}}});
+    if (got.errors.find("try connect to") == std::string::npos) {
+        GTEST_SKIP() << "no mount name space of one's own here: " << got.errors;
+    }
+    EXPECT_EQ(got.errors, "try connect to 127.0.0.5:1\nERROR connect (Connection refused)\n");
+}
+
+TEST(connecting, a_dotted_address_with_a_blank_behind_it) {
+    const scripted_daemon daemon([](const tcp_peer& client) { client.receive(TRACE_REQUEST_OCTETS); });
+    const outcome got = trace(daemon, {"-V1", "127.0.0.1 ", "1000"});
+    EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "negative trace acknowledge"));
 }
 
 TEST(connecting, refused) {

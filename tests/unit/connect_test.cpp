@@ -1,10 +1,13 @@
 #include "trace/connect.h"
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netdb.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "support/scripted_daemon.h"
 
@@ -29,6 +32,34 @@ std::string messages_of_connecting(const char* host_variable, int port, bool& co
     }
     unsetenv(HOST_VARIABLE);
     return testing::internal::GetCapturedStderr();
+}
+
+/// What is taken of the addresses that a resolver lists for a name.
+std::string first_of(std::vector<in_addr> addresses, const char* text, int family = AF_INET) {
+    std::vector<char*> list;
+    for (in_addr& address : addresses) {
+        list.push_back(reinterpret_cast<char*>(&address));  // as the library hands them out
+    }
+    list.push_back(nullptr);
+    hostent found{};
+    found.h_addrtype = family;
+    found.h_length = sizeof(in_addr);
+    found.h_addr_list = list.data();
+    return inet_ntoa(first_address(&found, text));
+}
+
+TEST(first_address, is_the_first_that_the_resolver_lists) {
+    const in_addr near{inet_addr("127.0.0.1")};
+    const in_addr far{inet_addr("198.51.100.7")};
+    EXPECT_EQ(first_of({far, near}, "two.test"), "198.51.100.7");
+    EXPECT_EQ(first_of({near, far}, "two.test"), "127.0.0.1");
+}
+
+TEST(first_address, is_the_dotted_one_where_the_resolver_has_none) {
+    EXPECT_EQ(first_of({}, "192.0.2.1 "), "192.0.2.1");
+    EXPECT_EQ(first_of({in_addr{1}}, "192.0.2.1", AF_INET6), "192.0.2.1");
+    EXPECT_STREQ(inet_ntoa(first_address(nullptr, "192.0.2.1 ")), "192.0.2.1");
+    EXPECT_EQ(first_address(nullptr, "no.such.name").s_addr, INADDR_NONE);
 }
 
 TEST(connect_trace, without_a_router_takes_that_of_the_environment) {
