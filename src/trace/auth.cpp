@@ -83,9 +83,10 @@ int calc_auth(const char* given_password, std::span<const std::uint8_t> challeng
               std::span<std::uint8_t, AUTH_LENGTH> reply) {
     std::array<char, 32> typed{};
     const std::string_view password = find_password(given_password, typed);
+    std::array<std::uint8_t, AUTH_LENGTH> shown{};
+    std::copy_n(challenge.begin(), std::min(challenge.size(), shown.size()), shown.begin());
     if (verbose_level > 1) {
-        report<"got AUTH random (V.%d): 0x%08x%08x\n">(challenge[0], load_le32(&challenge[1]),
-                                                       load_le32(&challenge[5]));
+        report<"got AUTH random (V.%d): 0x%08x%08x\n">(shown[0], load_le32(&shown[1]), load_le32(&shown[5]));
     }
     std::array<std::uint8_t, 8> digest{};
     const bool done = auth_digest(password, challenge, digest);
@@ -93,7 +94,7 @@ int calc_auth(const char* given_password, std::span<const std::uint8_t> challeng
     if (!done) {
         return -1;
     }
-    reply[0] = challenge[0];
+    reply[0] = shown[0];
     std::copy(digest.begin(), digest.end(), reply.begin() + 1);
     if (verbose_level > 2) {
         report<"calced auth: 0x%08x%08x\n">(load_le32(digest.data()), load_le32(&digest[4]));

@@ -15,8 +15,9 @@ bool auth_digest(std::string_view password, std::span<const std::uint8_t> challe
                  std::array<std::uint8_t, 8>& digest);
 
 /// Builds the AUTH reply to a challenge: its version octet and the digest. The password is `given_password` (--pwd;
-/// nullptr: none), else TRACE_PWD, else asked for; a typed one is wiped from memory afterwards. The challenge has at
-/// least 9 octets. Returns 0, or -1 when the digest cannot be made.
+/// nullptr: none), else TRACE_PWD, else asked for; a typed one is wiped from memory afterwards. The digest covers the
+/// octets of the challenge that arrived, however many; what is missing of 9 reads 0 in the version octet and in
+/// messages. Returns 0, or -1 when the digest cannot be made.
 int calc_auth(const char* given_password, std::span<const std::uint8_t> challenge,
               std::span<std::uint8_t, AUTH_LENGTH> reply);
 

@@ -113,8 +113,7 @@ bool answer_challenge(attempt& session, std::span<std::uint8_t, 4 + AUTH_LENGTH>
         return false;
     }
     store_be32(reply.data(), element_header(ELEMENT_AUTH, AUTH_LENGTH));
-    const int length = std::max(session.data_length(), AUTH_LENGTH);
-    const auto challenge = std::span(session.data).first(static_cast<std::size_t>(length));
+    const auto challenge = std::span(session.data).first(static_cast<std::size_t>(session.data_length()));
     if (calc_auth(session.settings.password, challenge, reply.subspan<4, AUTH_LENGTH>()) != 0) {
         session.error = "cannot calc authentication";
         return false;

@@ -153,8 +153,12 @@ TEST(login_element_length, of_the_challenge) {
     const octet_list usual = {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88};
     octet_list challenge = usual;
     challenge.pop_back();
-    // printf 'x\x01\x11\x22\x33\x44\x55\x66\x77\0xadmin' | md5sum
-    EXPECT_EQ(answer_to(challenge), (octet_list{0, 0, 9, 10, 1, 0xF2, 0x1D, 0x1F, 0xE0, 0x0A, 0x9E, 0x2A, 0xFE}));
+    // printf 'x\x01\x11\x22\x33\x44\x55\x66\x77xadmin' | md5sum
+    EXPECT_EQ(answer_to(challenge), (octet_list{0, 0, 9, 10, 1, 0x2D, 0x6C, 0x5B, 0xCE, 0x3D, 0xE0, 0x7C, 0x51}));
+    // printf 'x\x07xadmin' | md5sum
+    EXPECT_EQ(answer_to({7}), (octet_list{0, 0, 9, 10, 7, 0xB5, 0x79, 0x83, 0x65, 0x29, 0x4B, 0x3A, 0x01}));
+    // printf 'xxadmin' | md5sum
+    EXPECT_EQ(answer_to({}), (octet_list{0, 0, 9, 10, 0, 0xDB, 0xA5, 0x26, 0x48, 0x34, 0x7F, 0xD2, 0xC1}));
     challenge = usual;
     challenge.push_back(0x99);
     // printf 'x\x01\x11\x22\x33\x44\x55\x66\x77\x88\x99xadmin' | md5sum

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "base/verbose.h"
+
 namespace ifwatch {
 namespace {
 
@@ -38,6 +40,21 @@ TEST(calc_auth, hashes_every_octet_of_a_longer_challenge) {
     EXPECT_EQ(calc_auth("secret", longer, reply), 0);
     EXPECT_TRUE(std::equal(digest.begin(), digest.end(), reply.begin() + 1));
     EXPECT_NE(reply[1], 0xED);
+}
+
+TEST(calc_auth, hashes_no_octet_that_did_not_arrive) {
+    const std::array<std::uint8_t, 3> shorter{2, 0x11, 0x22};
+    std::array<std::uint8_t, AUTH_LENGTH> reply{};
+    verbose_level = 2;
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(calc_auth("secret", shorter, reply), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "got AUTH random (V.2): 0x0000221100000000\n");
+    verbose_level = 0;
+    // printf 'secret\x02\x11\x22secretadmin' | md5sum
+    EXPECT_EQ(reply, (std::array<std::uint8_t, AUTH_LENGTH>{2, 0x33, 0x46, 0x59, 0x7C, 0xDE, 0xDE, 0x2A, 0x33}));
+    EXPECT_EQ(calc_auth("secret", {}, reply), 0);
+    // printf 'secretsecretadmin' | md5sum
+    EXPECT_EQ(reply, (std::array<std::uint8_t, AUTH_LENGTH>{0, 0xB4, 0xB3, 0x27, 0xC0, 0x6D, 0x96, 0x2A, 0xDC}));
 }
 
 }  // namespace
