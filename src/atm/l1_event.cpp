@@ -28,16 +28,17 @@ table_text event_name(std::uint32_t event, std::uint32_t state) {
 
 }  // namespace
 
-void dump_l1_event(const display_context& context, std::string_view header, std::string_view delta) {
-    const std::uint32_t event = context.header->channel_info & 0xFF;
+void dump_l1_event(const record_header& record, octets payload, std::uint32_t original_length, std::string_view header,
+                   std::string_view delta) {
+    const std::uint32_t event = record.channel_info & 0xFF;
     if (const table_text error = value_name(LINE_ERRORS, static_cast<int>(event))) {
-        print<"%s%s[%04ld]%s">(header, error, context.original_length, delta);
-        hex_dump(context.payload, context.payload.length, 16, 6);
+        print<"%s%s[%04ld]%s">(header, error, original_length, delta);
+        hex_dump(payload, payload.length, 16, 6);
         print<"\n">();
         return;
     }
     print<"%s">(header);
-    print_named(event_name(event, context.header->record_flags), context.header->record_flags);
+    print_named(event_name(event, record.record_flags), record.record_flags);
     print<"%s">(delta);
 }
 

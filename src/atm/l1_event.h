@@ -1,15 +1,19 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
+
+#include "base/octets.h"
 
 namespace ifwatch {
 
-struct display_context;
+struct record_header;
 
 /// Prints the line of a record that reports an event of the physical layer instead of data: its event code is not 0.
 /// `header` is the header text in front, `delta` the delta-time text behind, which carries the line end. The line
-/// errors (3 to 6) show the octets they concern and end with a newline of their own. Code 7 takes the layer-1 state
-/// from the record flags, which hold nothing else then; an unknown code prints no name.
-void dump_l1_event(const display_context& context, std::string_view header, std::string_view delta);
+/// errors (3 to 6) show the original length and the octets of `payload`, and end with a newline of their own. Code 7
+/// takes the layer-1 state from the record flags, which hold nothing else then; an unknown code prints no name.
+void dump_l1_event(const record_header& record, octets payload, std::uint32_t original_length, std::string_view header,
+                   std::string_view delta);
 
 }  // namespace ifwatch

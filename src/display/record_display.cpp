@@ -78,7 +78,7 @@ bool show_record(display_context& context) {
         return false;
     }
     if (record.event_code != 0) {
-        dump_l1_event(context, header.text(), delta.text());
+        dump_l1_event(record.header, record.payload, record.original_length, header.text(), delta.text());
         return false;
     }
     print<"%sDATA[%04ld]   %s">(header.text(), record.original_length, delta.text());
