@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -21,10 +22,14 @@ struct async_state {
 
 /// PPTP control-message reassembly of one direction.
 struct pptp_state {
-    std::array<std::uint8_t, 256> buffer{};
-    int count = 0;    // octets stored
+    static constexpr int MAXIMUM = 256;
+
+    std::array<std::uint8_t, MAXIMUM> buffer{};
+    int count = 0;    // octets taken, of which the first MAXIMUM are kept
     int needed = 12;  // octets to hold before the next step
     int phase = 0;    // 0: the fixed header is being collected, 1: the rest
+
+    [[nodiscard]] int kept() const { return std::min(count, MAXIMUM); }
 };
 
 /// The protocol part of a trace record, in host order.

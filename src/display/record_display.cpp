@@ -118,7 +118,7 @@ std::size_t record_output_bound(const display_context& context) {
         octets_held += state.count;
     }
     for (const pptp_state& state : context.pptp) {
-        octets_held += state.count;
+        octets_held += state.kept();
     }
     return OUTPUT_PER_RECORD + OUTPUT_PER_OCTET * static_cast<std::size_t>(octets_held);
 }

@@ -11,19 +11,24 @@ namespace ifwatch {
 namespace {
 
 constexpr int FIXED_HEADER_LENGTH = 12;
-constexpr int LENGTH_MAX = static_cast<int>(std::tuple_size_v<decltype(pptp_state::buffer)>);
 constexpr int CONTROL_MESSAGE = 1;
 
-/// Stores octets of `segment` until the state holds what it needs; true when it does.
+/// Takes octets of `segment` until the state has what it needs; true when it does. What the segment declares and does
+/// not hold counts as zeros for a message that has begun.
 bool collect_needed(pptp_state& state, octets& segment) {
-    const auto taken = segment.run(0, std::min(state.needed - state.count, segment.length));
-    std::copy(taken.begin(), taken.end(), state.buffer.begin() + state.count);
-    segment = segment.skip(static_cast<int>(taken.size()));
-    state.count += static_cast<int>(taken.size());
+    if (state.count == 0 && segment.held() == 0) {
+        return false;
+    }
+    const int taken = std::clamp(segment.length, 0, state.needed - state.count);
+    const auto first = state.buffer.begin() + state.kept();
+    const auto held = segment.run(0, std::min(taken, pptp_state::MAXIMUM - state.kept()));
+    state.count += taken;
+    std::fill(std::copy(held.begin(), held.end(), first), state.buffer.begin() + state.kept(), std::uint8_t{0});
+    segment = segment.skip(taken);
     return state.count == state.needed;
 }
 
-octets collected(pptp_state& state) { return octets_of(state.buffer).cut(state.count); }
+octets collected(pptp_state& state) { return octets_of(state.buffer).cut(state.kept()); }
 
 }  // namespace
 
@@ -33,7 +38,7 @@ std::optional<octets> pptp_collect(pptp_state& state, octets& segment) {
     }
     if (state.phase == 0) {
         state.phase = 1;
-        state.needed = std::clamp<int>(collected(state).be16(0), FIXED_HEADER_LENGTH, LENGTH_MAX);
+        state.needed = std::max<int>(collected(state).be16(0), FIXED_HEADER_LENGTH);
         if (!collect_needed(state, segment)) {
             return std::nullopt;
         }

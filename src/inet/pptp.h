@@ -21,11 +21,12 @@ inline constexpr int PPTP_PORT = 1723;
 
 /// Takes octets off `segment` for the message that one direction is collecting. The message when it is complete: it
 /// stays valid until the next call for that direction, and what stands behind it is left in `segment`. A length field
-/// below 12 counts as 12 and one above 256 as 256.
+/// below 12 counts as 12; of a message longer than 256 octets the first 256 are kept and the others taken off. Octets
+/// that the segment declares and does not hold complete, as zeros, a message that has begun; they begin none.
 std::optional<octets> pptp_collect(pptp_state& state, octets& segment);
 
 /// Feeds the data of one TCP segment to the reassembly of its direction, which `destination_port` tells (in host
-/// order), and prints each control message that it completes. Only octets that are held are fed.
+/// order), and prints each control message that it completes.
 void dump_pptp(octets segment, display_context& context, int destination_port);
 
 }  // namespace ifwatch

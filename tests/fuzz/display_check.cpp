@@ -30,7 +30,7 @@ std::size_t output_maximum(const display_context& context) {
         octets_held += state.count;
     }
     for (const pptp_state& state : context.pptp) {
-        octets_held += state.count;
+        octets_held += state.kept();
     }
     return CHARACTERS_PER_OCTET * static_cast<std::size_t>(octets_held) + CHARACTERS_PER_RECORD;
 }
@@ -44,8 +44,7 @@ void check_async(const async_state& state) {
 }
 
 void check_pptp(const pptp_state& state) {
-    const int size = static_cast<int>(state.buffer.size());
-    require(state.needed >= PPTP_HEADER && state.needed <= size, "pptp: a message fits the buffer");
+    require(state.needed >= PPTP_HEADER && state.needed <= 0xFFFF, "pptp: the length of a message has 16 bits");
     require(state.count >= 0 && state.count < state.needed, "pptp: a message that is whole is not kept");
     require(state.phase == 0 || state.phase == 1, "pptp: there are two phases");
     require(state.phase == 1 || state.needed == PPTP_HEADER, "pptp: the header comes first");

@@ -61,12 +61,13 @@ TEST(pptp_collect, takes_a_length_below_the_header_for_the_header) {
     }
 }
 
-TEST(pptp_collect, takes_a_length_above_its_buffer_for_the_buffer) {
-    for (const int declared : {257, 0x7FFF, 0xFFFF}) {
-        pptp_state state;
-        EXPECT_THAT(collect(state, joined({message_of(declared, 256), message_of(14, 14)}), 100),
-                    testing::ElementsAre(256, 14))
-            << declared;
+TEST(pptp_collect, takes_off_all_of_a_long_message_and_keeps_256) {
+    for (const std::size_t length : {257U, 300U, 0x7FFFU, 0xFFFFU}) {
+        const segment data = joined({message_of(static_cast<int>(length), length), message_of(14, 14)});
+        for (const int piece : {1, 100, 256, 70000}) {
+            pptp_state state;
+            EXPECT_THAT(collect(state, data, piece), testing::ElementsAre(256, 14)) << length << " by " << piece;
+        }
     }
 }
 
@@ -81,17 +82,49 @@ TEST(pptp_collect, leaves_what_stands_behind_a_message) {
     EXPECT_EQ(state.count, 3);
 }
 
-TEST(pptp_collect, takes_nothing_of_a_negative_length_or_of_what_is_not_held) {
+TEST(pptp_collect, takes_nothing_of_a_negative_length) {
     pptp_state state;
     segment data = message_of(12, 5);
     octets negative = octets_of(data);
     negative.length = -5;
     EXPECT_FALSE(pptp_collect(state, negative));
     EXPECT_EQ(state.count, 0);
-    octets too_long = octets_of(data);
-    too_long.length = 500;
-    EXPECT_FALSE(pptp_collect(state, too_long));
-    EXPECT_EQ(state.count, 5);
+}
+
+TEST(pptp_collect, completes_with_zeros_what_has_begun_and_begins_nothing_with_them) {
+    pptp_state state;
+    segment before = message_of(20, 20);  // what stood in the buffer before does not show
+    octets whole = octets_of(before);
+    ASSERT_TRUE(pptp_collect(state, whole));
+    segment data = message_of(20, 5);
+    octets cut = octets_of(data);
+    cut.length = 500;
+    const auto message = pptp_collect(state, cut);
+    ASSERT_TRUE(message);
+    EXPECT_EQ(message->length, 20);
+    EXPECT_EQ((*message)[4], 0xEE);
+    EXPECT_EQ(message->be32(5) | message->be32(9) | message->be32(13) | message->be32(16), 0U);
+    EXPECT_EQ(cut.length, 480);
+    EXPECT_FALSE(pptp_collect(state, cut));
+    EXPECT_EQ(state.count, 0);
+}
+
+TEST(pptp_collect, goes_on_behind_octets_that_were_not_held) {
+    pptp_state state;
+    segment data = message_of(40, 15);
+    octets first = octets_of(data);
+    first.length = 30;
+    EXPECT_FALSE(pptp_collect(state, first));
+    EXPECT_EQ(state.count, 30);
+    octets nothing = first.at(15, 6);
+    EXPECT_FALSE(pptp_collect(state, nothing));
+    EXPECT_EQ(state.count, 36);
+    segment rest(4, 0xAA);
+    octets last = octets_of(rest);
+    const auto message = pptp_collect(state, last);
+    ASSERT_TRUE(message);
+    EXPECT_EQ(message->be32(32), 0U);
+    EXPECT_EQ(message->be32(36), 0xAAAAAAAAU);
 }
 
 TEST(dump_pptp, keeps_the_directions_apart) {
