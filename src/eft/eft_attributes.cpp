@@ -15,6 +15,10 @@ namespace {
 
 constexpr int BLOCK_IDENTIFIER = 0x30;
 constexpr int ATTRIBUTE_HEADER = 2;
+constexpr int FIRST_ATTRIBUTE = 0x20;
+constexpr int LAST_ATTRIBUTE = 0x3A;
+constexpr int CHECKSUM = 0x30;
+constexpr int CHECKSUM_LENGTH = 4;
 
 constexpr named_value FILE_TYPES[] = {
     {0x40, "description file"}, {0x41, "software file"}, {0x42, "data file"},
@@ -108,7 +112,7 @@ struct attribute_printer {
 };
 
 constexpr attribute_printer ATTRIBUTES[] = {
-    {0x20, "File type:", show_code, FILE_TYPES},
+    {FIRST_ATTRIBUTE, "File type:", show_code, FILE_TYPES},
     {0x21, "Execution order:", show_code, EXECUTION_ORDERS},
     {0x22, "Transfer name:", show_characters, {}},
     {0x23, "File name:", show_characters, {}},
@@ -124,7 +128,7 @@ constexpr attribute_printer ATTRIBUTES[] = {
     {0x2D, "Execute address (relative):", show_address, {}},
     {0x2E, "Compression mode:", show_code, COMPRESSION_MODES},
     {0x2F, "Device:", show_characters, {}},
-    {0x30, "File checksum:", show_checksum, {}},
+    {CHECKSUM, "File checksum:", show_checksum, {}},
     {0x31, "Author name:", show_characters, {}},
     {0x32, "Future file length:", show_size, {}},
     {0x33, "Permitted actions:", show_permitted_actions, {}},
@@ -134,7 +138,7 @@ constexpr attribute_printer ATTRIBUTES[] = {
     {0x37, "Identity of the last modifier:", show_characters, {}},
     {0x38, "Identity of the last reader:", show_characters, {}},
     {0x39, "Recipient:", show_characters, {}},
-    {0x3A, "Telematic file transfer version:", show_characters, {}},
+    {LAST_ATTRIBUTE, "Telematic file transfer version:", show_characters, {}},
 };
 
 void print_attribute(int identifier, octets value) {
@@ -145,6 +149,12 @@ void print_attribute(int identifier, octets value) {
     }
     print_eft_label(found->label);
     found->show(value, found->names);
+}
+
+/// A checksum begins like a block of four octets. No attribute begins with the octet that follows then.
+bool is_checksum(octets attribute) {
+    return attribute[0] == CHECKSUM && attribute[1] == CHECKSUM_LENGTH && attribute.within() > ATTRIBUTE_HEADER &&
+           (attribute[ATTRIBUTE_HEADER] < FIRST_ATTRIBUTE || attribute[ATTRIBUTE_HEADER] > LAST_ATTRIBUTE);
 }
 
 }  // namespace
@@ -161,7 +171,7 @@ void dump_eft_attribute_list(octets attributes, int count) {
 }
 
 int dump_eft_attributes(octets block) {
-    if (block[0] != BLOCK_IDENTIFIER) {
+    if (block[0] != BLOCK_IDENTIFIER || is_checksum(block)) {
         return -1;
     }
     const int block_length = block[1];

@@ -14,7 +14,8 @@ inline constexpr int EFT_BLOCK_HEADER = 2;
 
 /// Prints one line for each attribute of a file attribute block and ends the last line. `block.length` is the data
 /// given: attributes and their values are cut there. Returns the block's length octet, or -1, with nothing printed,
-/// when the block does not start with 0x30.
+/// when it is no block: it does not start with 0x30, or it is a checksum attribute, 0x30 0x04 and then an octet that no
+/// attribute begins with.
 int dump_eft_attributes(octets block);
 
 /// Prints the attributes in the first `count` octets of `attributes` as dump_eft_attributes does; `attributes.length`

@@ -7,13 +7,13 @@ namespace ifwatch {
 int dump_eft_directory(octets listing) {
     const int count = listing.within();
     print<"\n\t\tDIRECTORY:">();
-    if (count > 0) {
-        print<"\n\t\t\t">();
-    }
+    bool line_starts = true;
     for (int i = 0; i < count; ++i) {
-        const bool line_end = i + 1 < count && listing[i] == '\r' && listing[i + 1] == '\n';
-        if (line_end) {
+        if (line_starts) {
             print<"\n\t\t\t">();
+        }
+        line_starts = i + 1 < count && listing[i] == '\r' && listing[i + 1] == '\n';
+        if (line_starts) {
             ++i;
         } else {
             print<"%c">(listing[i]);

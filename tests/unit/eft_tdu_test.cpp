@@ -63,6 +63,26 @@ TEST(eft_attributes, returns_the_length_octet_of_a_block) {
     EXPECT_EQ(output.take(), "");
 }
 
+TEST(eft_attributes, a_checksum_is_no_block) {
+    captured_output output;
+    for (const int behind : {0x00, 0x12, 0x1F, 0x3B, 0xFF}) {
+        octet_list checksum{0x30, 0x04, static_cast<std::uint8_t>(behind), 0x34, 0x56, 0x78};
+        EXPECT_EQ(dump_eft_attributes(octets_of(checksum)), -1) << behind;
+        EXPECT_EQ(output.take(), "");
+        EXPECT_EQ(dump_eft_attributes(declared(checksum, 2)), 4) << "the octet behind is not of the value";
+        EXPECT_EQ(output.take(), "\n");
+        checksum.resize(2);
+        EXPECT_EQ(dump_eft_attributes(declared(checksum, 6)), 4) << "the octet behind is not held";
+        EXPECT_EQ(output.take(), "\n");
+    }
+    for (const int first : {0x20, 0x22, 0x3A}) {
+        octet_list block{0x30, 0x04, static_cast<std::uint8_t>(first), 0x02, 'A', 'B'};
+        EXPECT_EQ(dump_eft_attributes(octets_of(block)), 4) << first;
+    }
+    octet_list longer{0x30, 0x05, 0x12, 0x34, 0x56, 0x78, 0x9A};
+    EXPECT_EQ(dump_eft_attributes(octets_of(longer)), 5) << "a checksum has four octets";
+}
+
 TEST(eft_directory, returns_the_octets_consumed) {
     octet_list listing{'A', '\r', '\n', 'B'};
     captured_output output;
@@ -70,6 +90,8 @@ TEST(eft_directory, returns_the_octets_consumed) {
     EXPECT_EQ(output.take(), "\n\t\tDIRECTORY:\n\t\t\tA\n\t\t\tB");
     EXPECT_EQ(dump_eft_directory(declared(listing, 2)), 2);
     EXPECT_EQ(output.take(), "\n\t\tDIRECTORY:\n\t\t\tA\r") << "the line end is cut in two";
+    EXPECT_EQ(dump_eft_directory(declared(listing, 3)), 3);
+    EXPECT_EQ(output.take(), "\n\t\tDIRECTORY:\n\t\t\tA") << "nothing follows the line end";
     EXPECT_EQ(dump_eft_directory(declared(listing, 100)), 4);
     EXPECT_EQ(dump_eft_directory(declared(listing, -1)), 0);
 }
