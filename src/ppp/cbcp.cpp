@@ -9,9 +9,6 @@ namespace {
 
 constexpr int PSTN_ISDN = 1;
 
-// More than a frame of the line can hold. Without it each option of a forged packet could show all that is behind it.
-constexpr int NUMBER_MAX = 2048;
-
 constexpr table_text CODE_NAMES[] = {"Unknown", "Callback Request", "Callback Response", "Callback Ack", "reserved"};
 
 void print_no_callback(ppp_option& /*option*/) { print<"\t\tNo Callback\n">(); }
@@ -33,7 +30,7 @@ void print_user_number(ppp_option& option) {
     }
     print<"\t\tAddress Type 1 (PSTN/ISDN)\n">();
     if (option.length > 5) {
-        print<"\t\tCallback Number: %s\n">(data.text(option.passed, NUMBER_MAX));
+        print<"\t\tCallback Number: %s\n">(data.text(option.passed, data.held()));
         option.passed += option.length - 4;
     }
 }

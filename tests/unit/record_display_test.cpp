@@ -11,6 +11,7 @@
 namespace ifwatch {
 namespace {
 
+constexpr int B_CHANNEL = 1;
 constexpr int TOKEN_RING = 9;
 constexpr std::size_t LEVELS = 14;
 constexpr std::size_t FACILITIES = 100;
@@ -65,12 +66,30 @@ TEST(display_record, a_frame_made_to_flood_is_cut_at_the_bound) {
     EXPECT_EQ(printed.back(), '\n') << "the line end of the record stands all the same";
 }
 
+TEST(display_record, callback_numbers_of_a_whole_packet_are_cut_at_the_bound) {
+    std::vector<std::uint8_t> packet = {0xFF, 0x03, 0xC0, 0x29, 2, 1, 0x1F, 0xFC};
+    while (packet.size() < 8192) {  // options of six octets, each with a number that nothing ends
+        packet.insert(packet.end(), {2, 6, 5, 1, '0', '0'});
+    }
+    packet.resize(8192);
+    one_record flood(B_CHANNEL, MODE_PPP, packet);
+    captured_output output;
+    display_record(flood.context);
+    const std::string printed = output.take();
+    EXPECT_EQ(printed.size(), 4096 + 512 * packet.size());
+    const std::size_t first = printed.find("Callback Number: ");
+    EXPECT_EQ(printed.find('\n', first) - first, std::string("Callback Number: ").size() + packet.size() - 12)
+        << "a number is not cut before the end of the packet";
+}
+
 TEST(record_output_bound, counts_octets_that_earlier_records_left) {
     one_record record(1, MODE_ASYNC_HDLC, {0x7E});
     EXPECT_EQ(record_output_bound(record.context), 4096U + 512U);
     record.context.async[1].count = 10;
     record.context.pptp[0].count = 5;
     EXPECT_EQ(record_output_bound(record.context), 4096U + 512U * 16U);
+    record.context.pptp[0].count = 300;
+    EXPECT_EQ(record_output_bound(record.context), 4096U + 512U * (11U + 256U)) << "of a long message 256 are held";
 }
 
 TEST(apply_default_flags, by_channel_type) {
