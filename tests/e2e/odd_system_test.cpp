@@ -48,13 +48,27 @@ command in_shell(const std::string& before, std::vector<std::string> options) {
             .environment = {{"ASAN_OPTIONS", "detect_leaks=0"}}};
 }
 
+// A sanitizer's library opens files before the program begins, and never comes to its end where it cannot.
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool NEEDS_DESCRIPTORS = true;
+#else
+constexpr bool NEEDS_DESCRIPTORS = false;
+#endif
+constexpr const char* WHAT_FOR = "the address sanitizer needs a descriptor before the program begins";
+
 TEST(odd_system, no_descriptor_is_left_for_a_closed_stream) {
+    if (NEEDS_DESCRIPTORS) {
+        GTEST_SKIP() << WHAT_FOR;
+    }
     const outcome got = run(in_shell("exec <&- >&-; ulimit -Sn 1", {"127.0.0.1"}));
     EXPECT_EQ(got.status, 1);
     EXPECT_EQ(got.errors, "ERROR cannot open /dev/null (Too many open files)\n");
 }
 
 TEST(odd_system, no_descriptor_is_left_to_say_so) {
+    if (NEEDS_DESCRIPTORS) {
+        GTEST_SKIP() << WHAT_FOR;
+    }
     const outcome got = run(in_shell("exec <&- 2>&-; ulimit -Sn 1", {"127.0.0.1"}));
     EXPECT_EQ(got.status, 1);
     EXPECT_EQ(got.output, "");
