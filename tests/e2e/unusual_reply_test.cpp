@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <span>
 #include <string>
@@ -254,13 +255,20 @@ scripted_daemon::script sending_elements(int count, const octet_list& every) {
     };
 }
 
+/// A million elements take their time, above all under the sanitizers on a machine that has other work.
+outcome trace_patiently(const scripted_daemon& daemon) {
+    command what = tracing(daemon, {"--pwd=x", "127.0.0.1", "1000"});
+    what.timeout = std::chrono::minutes(2);
+    return run(what);
+}
+
 TEST(endless_reply, is_given_up_also_when_it_asks_for_another_version) {
     std::atomic<int> connections = 0;
     const scripted_daemon daemon([&connections](const tcp_peer& client) {
         ++connections;
         sending_elements(ELEMENTS_MAXIMUM, element(2, 1))(client);
     });
-    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
+    const outcome got = trace_patiently(daemon);
     EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "too many elements"));
     EXPECT_EQ(got.status, 1);
     EXPECT_EQ(connections, 1);
@@ -268,7 +276,7 @@ TEST(endless_reply, is_given_up_also_when_it_asks_for_another_version) {
 
 TEST(endless_reply, is_longer_than_the_longest) {
     const scripted_daemon daemon(sending_elements(ELEMENTS_MAXIMUM - 1, element(4, 0)));
-    const outcome got = trace(daemon, {"--pwd=x", "127.0.0.1", "1000"});
+    const outcome got = trace_patiently(daemon);
     EXPECT_EQ(got.errors, connected_to(daemon) + report_of(NO_TYPE, "") + STREAM_END);
     EXPECT_EQ(got.status, 0);
 }

@@ -76,14 +76,5 @@ TEST(dump_ppp, believes_a_declared_length_beyond_what_is_held) {
     EXPECT_THAT(output.take(), testing::EndsWith("Configure-Request\n\t\tIP-Address 10.0.0.0;\n"));
 }
 
-TEST(dump_ppp, prints_in_proportion_to_the_frame) {
-    // Callback numbers that no zero octet ends, each the start of all that is behind it.
-    frame packet = {0xC0, 0x29, 2, 1, 0xFF, 0xFF};
-    while (packet.size() < 8192) {
-        packet.insert(packet.end(), {2, 6, 1, 1, '1', '1'});
-    }
-    EXPECT_LE(dump(packet).text.size(), 512 * packet.size() + 4096);
-}
-
 }  // namespace
 }  // namespace ifwatch
