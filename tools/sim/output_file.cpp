@@ -8,23 +8,14 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/patient_write.h"
+#include "base/print.h"
+
 namespace ifwatch::sim {
 
 namespace {
 
 constexpr mode_t FILE_MODE = 0666;  // less the umask
-
-bool write_whole(int fd, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(fd, text.data(), text.size());
-        if (written >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
 
 bool write_and_close(int fd, std::string_view text) {
     const bool written = write_whole(fd, text);
@@ -65,7 +56,9 @@ bool write_beside(const std::string& path, std::string_view text) {
 bool write_output(const std::string& path, std::string_view text, std::string& error) {
     bool written = false;
     if (path.empty()) {
-        written = write_whole(STDOUT_FILENO, text);
+        put(standard_output, text);
+        written = flush_output();
+        errno = output_error();
     } else {
         written = is_special(path) ? write_in_place(path, text) : write_beside(path, text);
     }
