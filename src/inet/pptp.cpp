@@ -20,10 +20,11 @@ bool collect_needed(pptp_state& state, octets& segment) {
         return false;
     }
     const int taken = std::clamp(segment.length, 0, state.needed - state.count);
-    const auto first = state.buffer.begin() + state.kept();
+    std::uint8_t* const begin = state.buffer.data();
     const auto held = segment.run(0, std::min(taken, pptp_state::MAXIMUM - state.kept()));
+    std::uint8_t* const held_end = std::copy(held.begin(), held.end(), begin + state.kept());
     state.count += taken;
-    std::fill(std::copy(held.begin(), held.end(), first), state.buffer.begin() + state.kept(), std::uint8_t{0});
+    std::fill(held_end, begin + state.kept(), std::uint8_t{0});
     segment = segment.skip(taken);
     return state.count == state.needed;
 }
