@@ -1,9 +1,9 @@
-#include "extcap/pcapng.h"
+#include "capture/pcapng_writer.h"
 
 #include <concepts>
 #include <cstring>
 
-namespace ifwatch::extcap {
+namespace ifwatch::capture {
 
 namespace {
 
@@ -147,4 +147,4 @@ void build_interface_statistics(block_buffer& block, const pcapng_statistics& co
     writer.finish();
 }
 
-}  // namespace ifwatch::extcap
+}  // namespace ifwatch::capture

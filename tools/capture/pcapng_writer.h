@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ifwatch::extcap {
+namespace ifwatch::capture {
 
 // Blocks of the pcapng file format (draft-ietf-opsawg-pcapng), in the byte order of this machine:
 //
@@ -59,4 +59,4 @@ void build_interface_description(block_buffer& block, const pcapng_interface& de
 void build_enhanced_packet(block_buffer& block, const pcapng_packet& packet);
 void build_interface_statistics(block_buffer& block, const pcapng_statistics& counts);
 
-}  // namespace ifwatch::extcap
+}  // namespace ifwatch::capture

@@ -1,8 +1,8 @@
 #pragma once
 
-namespace ifwatch::sim {
+namespace ifwatch::capture {
 
-// The channel types that the simulator treats each in its own way.
+// The channel types that are treated each in its own way.
 inline constexpr int CHANNEL_PABX = -2;
 inline constexpr int CHANNEL_D = 0;
 inline constexpr int CHANNEL_B = 1;
@@ -20,4 +20,4 @@ inline constexpr int CHANNEL_HDLC = 118;
 inline constexpr int CHANNEL_TUNNEL = 131;
 inline constexpr int CHANNEL_BRIDGED_LAN = 135;
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::capture
