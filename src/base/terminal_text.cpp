@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/patient_write.h"
+#include "base/descriptor_buffer.h"
 
 namespace ifwatch {
 
@@ -13,21 +13,6 @@ constexpr std::size_t PIECE = 4096;
 bool acts_on_no_terminal(char character) {
     return (character >= ' ' && character <= '~') || character == '\n' || character == '\t';
 }
-
-/// A buffer that leaves through a descriptor, up to the first failure of that.
-struct descriptor_buffer : text_buffer<PIECE> {
-    explicit descriptor_buffer(int to) : fd(to) { drain = write_out; }
-
-    static bool write_out(text_sink& sink) {
-        auto& self = static_cast<descriptor_buffer&>(sink);
-        self.failed = self.failed || !write_whole(self.fd, self.text());
-        self.used = 0;
-        return !self.failed;
-    }
-
-    int fd;
-    bool failed = false;
-};
 
 void put_escaped(text_sink& sink, char character) {
     constexpr char DIGITS[] = "0123456789abcdef";
@@ -52,9 +37,9 @@ void put_terminal_text(text_sink& sink, std::string_view text) {
 }
 
 bool write_terminal_text(int fd, std::string_view text) {
-    descriptor_buffer pieces(fd);
+    descriptor_buffer<PIECE> pieces(fd);
     put_terminal_text(pieces, text);
-    return descriptor_buffer::write_out(pieces);
+    return pieces.flush();
 }
 
 }  // namespace ifwatch

@@ -42,25 +42,27 @@ known_interface& line_table::interface_of(const capture::captured_packet& packet
 traced_line& line_table::line_of(known_interface& interface, const capture::captured_packet& packet,
                                  const capture::capture_reader& reader) {
     if (interface.line == nullptr) {
+        const capture::capture_interface& described = reader.interface_of(packet);
         const bool own = interface.source->own;
-        std::string name = name_of(reader.interface_of(packet), own, packet.interface_id);
+        std::string name = name_of(described, own, packet.interface_id);
+        std::string router = own ? described.description.substr(0, described.description.find(": ")) : "";
         const auto same = std::ranges::find_if(
-            lines_, [&](const auto& line) { return own && line->own && line->name == name; });
-        interface.line = same != lines_.end() ? same->get() : &add_line(std::move(name), *interface.source);
+            lines_, [&](const auto& line) { return own && line->router == router && line->name == name; });
+        interface.line = same != lines_.end() ? same->get() : &add_line(interface.source->channel_type);
+        interface.line->name = std::move(name);
+        interface.line->router = std::move(router);
     }
     interface.line->used = packet.number;
     return *interface.line;
 }
 
-traced_line& line_table::add_line(std::string name, const capture::packet_source& source) {
+traced_line& line_table::add_line(int channel_type) {
     if (lines_.size() == MAX_LINES) {
         make_room();
     }
     traced_line& line = *lines_.emplace_back(std::make_unique<traced_line>());
-    line.name = std::move(name);
-    line.own = source.own;
     init_display_context(line.context);
-    line.context.channel_type = source.channel_type;
+    line.context.channel_type = channel_type;
     line.context.mode_flags = decoders_.mode_flags;
     line.context.tei_filter = decoders_.tei_filter;
     line.context.cref_filter = decoders_.cref_filter;

@@ -17,8 +17,8 @@ namespace ifwatch::read {
 /// One traced interface of a capture, and what its decoders remember. What ifwatch-extcap has written of one interface
 /// of a router is one, also where the capture has several for it: "ifwatch-3000" and "ifwatch-3000 cells".
 struct traced_line {
-    std::string name;  // "ifwatch-2100", "eth0", "interface 1"
-    bool own = false;  // of ifwatch-extcap
+    std::string name;    // "ifwatch-2100", "eth0", "interface 1"
+    std::string router;  // "Interface 2100 of HOST", as ifwatch-extcap notes; empty in other captures
     display_context context;
     std::uint32_t sequence = 0;  // of the record that was shown last
     bool begun = false;          // a record was shown
@@ -33,8 +33,8 @@ struct known_interface {
     traced_line* line = nullptr;                        // once a packet of it is shown
 };
 
-/// The interfaces of a capture that packets came from. Of their lines at most MAX_LINES are remembered; the one that was
-/// used the longest time ago makes room for another, and begins anew if it comes again.
+/// The interfaces of a capture that packets came from. Of their lines at most MAX_LINES are remembered; the one that
+/// was used the longest time ago makes room for another, and begins anew if it comes again.
 class line_table {
 public:
     static constexpr std::size_t MAX_LINES = 512;
@@ -50,7 +50,7 @@ public:
                          const capture::capture_reader& reader);
 
 private:
-    traced_line& add_line(std::string name, const capture::packet_source& source);
+    traced_line& add_line(int channel_type);
     void make_room();
 
     decoder_options decoders_;

@@ -71,8 +71,8 @@ std::vector<option> long_options() {
     for (int i = 0; i < static_cast<int>(std::size(FOREIGN_OPTIONS)); ++i) {
         const foreign_option& foreign = FOREIGN_OPTIONS[i];
         if (std::strlen(foreign.name) > 1) {
-            longs.push_back({foreign.name, foreign.takes_argument ? required_argument : no_argument, nullptr,
-                             FIRST_FOREIGN + i});
+            longs.push_back(
+                {foreign.name, foreign.takes_argument ? required_argument : no_argument, nullptr, FIRST_FOREIGN + i});
         }
     }
     longs.push_back({});
