@@ -37,7 +37,7 @@ bool is_colored(color_choice choice) {
 
 /// The octets of strangers come next: from here on the process can read, write and end.
 void confine() {
-    const int failure = confine_to_record_loop({});
+    const int failure = confine_to_record_loop({.asks_clock = true});
     if (failure != 0 && verbose_level > 0) {
         say(std::string("not confined to reading and writing (") + std::strerror(failure) + ")");
     }
