@@ -29,6 +29,7 @@ enum option_code : std::uint16_t {
     INTERFACE_FILTER = 11,
     PACKET_FLAGS = 2,
     PACKET_DROP_COUNT = 4,
+    PACKET_ID = 5,
     STATISTICS_RECEIVED = 4,
     STATISTICS_DROPPED = 5,
 };
@@ -112,6 +113,7 @@ void build_interface_description(block_buffer& block, const pcapng_interface& de
     writer.put(described.link_type);
     writer.put(std::uint16_t{0});  // reserved
     writer.put(described.snapshot_length);
+    writer.put_text_option(OPTION_COMMENT, described.comment);
     writer.put_text_option(INTERFACE_NAME, described.name);
     writer.put_text_option(INTERFACE_DESCRIPTION_TEXT, described.description);
     writer.put_option(INTERFACE_TIME_RESOLUTION, MILLISECONDS);
@@ -134,6 +136,9 @@ void build_enhanced_packet(block_buffer& block, const pcapng_packet& packet) {
     writer.put_option(PACKET_FLAGS, packet.flags);
     if (packet.lost != 0) {
         writer.put_option(PACKET_DROP_COUNT, packet.lost);
+    }
+    if (packet.id) {
+        writer.put_option(PACKET_ID, *packet.id);
     }
     writer.finish();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -32,6 +33,7 @@ struct pcapng_interface {
     std::string name;
     std::string description;
     std::string filter;
+    std::string comment;
 };
 
 struct pcapng_packet {
@@ -42,6 +44,7 @@ struct pcapng_packet {
     std::uint32_t original_length = 0;  // with the prefix
     std::uint32_t flags = 0;
     std::uint64_t lost = 0;  // packets between the one before and this; 0 is left out
+    std::optional<std::uint64_t> id;
     std::string_view comment;
 };
 
