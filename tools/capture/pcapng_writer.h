@@ -7,24 +7,14 @@
 #include <string_view>
 #include <vector>
 
+#include "capture/pcapng_blocks.h"
+
 namespace ifwatch::capture {
 
-// Blocks of the pcapng file format (draft-ietf-opsawg-pcapng), in the byte order of this machine:
-//
-//     +------+--------------+------+---------+--------------+
-//     | type | total length | body | options | total length |     each part padded to a multiple of 4 octets
-//     +------+--------------+------+---------+--------------+
-//
-// Every function below replaces what `block` holds by one whole block. A buffer that is used again and again soon needs
-// no more memory.
+// Writes blocks as pcapng_blocks.h describes them, in the byte order of this machine. Every function below replaces
+// what `block` holds by one whole block. A buffer that is used again and again soon needs no more memory.
 
 using block_buffer = std::vector<std::uint8_t>;
-
-// Bits of a packet's flags word.
-inline constexpr std::uint32_t PACKET_INBOUND = 1;
-inline constexpr std::uint32_t PACKET_OUTBOUND = 2;
-inline constexpr std::uint32_t PACKET_CRC_ERROR = 1U << 24;
-inline constexpr std::uint32_t PACKET_UNALIGNED = 1U << 28;
 
 /// The interface that packets come from. Empty texts are left out. Its time stamps are in milliseconds.
 struct pcapng_interface {

@@ -7,7 +7,7 @@
 #include "capture/channel_types.h"
 #include "capture/link_header.h"
 #include "capture/own_capture.h"
-#include "capture/pcapng_writer.h"
+#include "capture/pcapng_blocks.h"
 #include "display/channel_display.h"
 #include "display/display_context.h"
 #include "lan/wlan_oid.h"
