@@ -4,6 +4,7 @@
 
 #include "capture/packet_format.h"
 #include "capture/pcap_reader.h"
+#include "capture/pcapng_reader.h"
 
 namespace ifwatch::capture {
 
@@ -29,6 +30,9 @@ private:
 std::unique_ptr<packet_format> find_format(byte_stream& stream) {
     if (is_pcap(stream)) {
         return std::make_unique<pcap_format>(stream);
+    }
+    if (is_pcapng(stream)) {
+        return std::make_unique<pcapng_format>(stream);
     }
     return std::make_unique<unknown_format>(stream);
 }

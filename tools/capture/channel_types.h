@@ -8,6 +8,7 @@ inline constexpr int CHANNEL_D = 0;
 inline constexpr int CHANNEL_B = 1;
 inline constexpr int CHANNEL_ATM_OLD = 2;
 inline constexpr int CHANNEL_ATM = 3;
+inline constexpr int CHANNEL_WLAN = 4;
 inline constexpr int CHANNEL_IP_OVER_X25 = 5;
 inline constexpr int CHANNEL_LAN = 6;
 inline constexpr int CHANNEL_LAN_802_3 = 7;

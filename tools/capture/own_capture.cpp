@@ -4,7 +4,7 @@
 #include <charconv>
 #include <iterator>
 
-#include "capture/pcapng_writer.h"
+#include "capture/pcapng_blocks.h"
 
 namespace ifwatch::capture {
 

@@ -8,7 +8,7 @@
 #include "capture/link_header.h"
 #include "capture/own_capture.h"
 #include "capture/packet_format.h"
-#include "capture/pcapng_writer.h"
+#include "capture/pcapng_blocks.h"
 #include "display/channel_display.h"
 #include "trace/element.h"
 
