@@ -27,10 +27,10 @@ enum own_option : int {
 };
 
 constexpr const char* ROUTERS_FILTER =
-    "is a filter that the router applies, and a capture is as it is; an analyser can filter it and write the rest to -";
-constexpr const char* ROUTERS_CHOICE = "chooses what the router sends, and a capture is as it is";
-constexpr const char* ROUTERS_ACCESS = "tells how to reach the router, and a capture is read without one";
-constexpr const char* WRITES_PCAP = "writes PCAP, and here PCAP is read";
+    "is a filter that the router applies; of a capture, tcpdump -r FILE -w - FILTER, or tshark with -Y, picks packets";
+constexpr const char* ROUTERS_CHOICE = "chooses what the router sends; a capture is shown as it is";
+constexpr const char* ROUTERS_ACCESS = "is for the session with a router; a capture is read without one";
+constexpr const char* WRITES_PCAP = "is for writing PCAP; here captures are read";
 
 /// An option of ifwatch that means nothing to a program that reads captures.
 struct foreign_option {
@@ -59,7 +59,7 @@ constexpr foreign_option FOREIGN_OPTIONS[] = {
     {"pcap-file", false, WRITES_PCAP},
     {"pcap-linktype", true, WRITES_PCAP},
     {"ofile", true, WRITES_PCAP},
-    {"print", false, "asks ifwatch to show what it writes, and here everything is shown"},
+    {"print", false, "shows what ifwatch writes; here everything is shown"},
     {"n", true, "has no meaning in ifwatch either"},
 };
 
@@ -140,6 +140,9 @@ std::string take_option(int key, read_options& options) {
 std::string describe_mistake(bool argument_missing, const char* word) {
     const bool is_letter = optopt > 0 && optopt < OPTION_TYPE;
     const std::string name = is_letter ? std::string("-") + static_cast<char>(optopt) : word;
+    if (const foreign_option* const foreign = find_foreign(optopt)) {
+        return dashed(foreign->name) + " " + foreign->reason;
+    }
     if (argument_missing) {
         return name + " takes an argument, and none is given";
     }
