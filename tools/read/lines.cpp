@@ -7,18 +7,6 @@
 
 namespace ifwatch::read {
 
-namespace {
-
-/// What the lines of a capture are told apart by.
-std::string name_of(const capture::capture_interface& described, bool own, std::size_t number) {
-    if (described.name.empty()) {
-        return "interface " + std::to_string(number);
-    }
-    return own ? described.name.substr(0, described.name.find(' ')) : described.name;
-}
-
-}  // namespace
-
 known_interface& line_table::interface_of(const capture::captured_packet& packet,
                                           const capture::capture_reader& reader) {
     if (packet.section != section_) {
@@ -39,28 +27,46 @@ known_interface& line_table::interface_of(const capture::captured_packet& packet
     return known;
 }
 
+line_identity line_table::identity_of(const capture::capture_interface& described, std::size_t number) const {
+    const auto source = capture::find_packet_source(described, channel_type_);
+    if (source && source->own && !described.name.empty()) {
+        return {.name = described.name.substr(0, described.name.find(' ')),
+                .router = described.description.substr(0, described.description.find(": "))};
+    }
+    return {.name = described.name.empty() ? "interface " + std::to_string(number) : described.name, .number = number};
+}
+
 traced_line& line_table::line_of(known_interface& interface, const capture::captured_packet& packet,
                                  const capture::capture_reader& reader) {
     if (interface.line == nullptr) {
-        const capture::capture_interface& described = reader.interface_of(packet);
-        const bool own = interface.source->own;
-        std::string name = name_of(described, own, packet.interface_id);
-        std::string router = own ? described.description.substr(0, described.description.find(": ")) : "";
-        const auto same = std::ranges::find_if(
-            lines_, [&](const auto& line) { return own && line->router == router && line->name == name; });
-        interface.line = same != lines_.end() ? same->get() : &add_line(interface.source->channel_type);
-        interface.line->name = std::move(name);
-        interface.line->router = std::move(router);
+        line_identity identity = identity_of(reader.interface_of(packet), packet.interface_id);
+        const auto same = std::ranges::find_if(lines_, [&](const auto& line) { return line->identity == identity; });
+        interface.line =
+            same != lines_.end() ? same->get() : &add_line(std::move(identity), interface.source->channel_type);
     }
     interface.line->used = packet.number;
     return *interface.line;
 }
 
-traced_line& line_table::add_line(int channel_type) {
+bool line_table::has_several_lines(const capture::captured_packet& packet,
+                                   const capture::capture_reader& reader) const {
+    const line_identity first = identity_of(reader.interface_of(packet), packet.interface_id);
+    capture::captured_packet other = packet;
+    for (other.interface_id = 0; other.interface_id < reader.interface_count(); ++other.interface_id) {
+        if (identity_of(reader.interface_of(other), other.interface_id) != first) {
+            return true;
+        }
+    }
+    return false;
+}
+
+traced_line& line_table::add_line(line_identity identity, int channel_type) {
     if (lines_.size() == MAX_LINES) {
         make_room();
     }
     traced_line& line = *lines_.emplace_back(std::make_unique<traced_line>());
+    line.identity = std::move(identity);
+    line.serial = ++serials_;
     init_display_context(line.context);
     line.context.channel_type = channel_type;
     line.context.mode_flags = decoders_.mode_flags;

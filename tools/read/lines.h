@@ -14,11 +14,20 @@
 
 namespace ifwatch::read {
 
-/// One traced interface of a capture, and what its decoders remember. What ifwatch-extcap has written of one interface
-/// of a router is one, also where the capture has several for it: "ifwatch-3000" and "ifwatch-3000 cells".
+/// What tells the lines of a capture apart. What ifwatch-extcap has written of one interface of a router is one line,
+/// also where the capture has several interfaces for it: "ifwatch-3000" and "ifwatch-3000 cells".
+struct line_identity {
+    std::string name;         // "ifwatch-3000", "eth0", "interface 1"
+    std::string router = {};  // "Interface 3000 of HOST", as ifwatch-extcap notes; empty in other captures
+    std::size_t number = 0;   // of the interface; 0 in what ifwatch-extcap has written
+
+    bool operator==(const line_identity&) const = default;
+};
+
+/// One traced line, and what its decoders remember.
 struct traced_line {
-    std::string name;    // "ifwatch-2100", "eth0", "interface 1"
-    std::string router;  // "Interface 2100 of HOST", as ifwatch-extcap notes; empty in other captures
+    line_identity identity;
+    std::uint64_t serial = 0;  // of the lines of a capture, from 1
     display_context context;
     std::uint32_t sequence = 0;  // of the record that was shown last
     bool begun = false;          // a record was shown
@@ -49,8 +58,13 @@ public:
     traced_line& line_of(known_interface& interface, const capture::captured_packet& packet,
                          const capture::capture_reader& reader);
 
+    /// Whether the section of the packet that was just read has described more than one line so far.
+    [[nodiscard]] bool has_several_lines(const capture::captured_packet& packet,
+                                         const capture::capture_reader& reader) const;
+
 private:
-    traced_line& add_line(int channel_type);
+    [[nodiscard]] line_identity identity_of(const capture::capture_interface& described, std::size_t number) const;
+    traced_line& add_line(line_identity identity, int channel_type);
     void make_room();
 
     decoder_options decoders_;
@@ -58,6 +72,7 @@ private:
     std::uint32_t section_ = 0;
     std::vector<known_interface> interfaces_;  // by their number
     std::vector<std::unique_ptr<traced_line>> lines_;
+    std::uint64_t serials_ = 0;
 };
 
 }  // namespace ifwatch::read

@@ -29,8 +29,8 @@ public:
 
     [[nodiscard]] const capture::captured_packet& packet() const { return packet_; }
     [[nodiscard]] const capture::record_clock& clock() const { return clock_; }
-    /// Whether packets may come from more than one interface, as far as the capture has told.
-    [[nodiscard]] bool several_interfaces() const { return reader_.interface_count() > 1; }
+    /// Whether packets may come from more than one line, as far as the capture has told.
+    [[nodiscard]] bool has_several_lines() const { return lines_.has_several_lines(packet_, reader_); }
     [[nodiscard]] std::uint64_t octets_read() const { return stream_.offset(); }
 
 private:

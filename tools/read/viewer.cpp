@@ -82,20 +82,22 @@ private:
         date_told_ = date_told_ || clock.first_ns.has_value();
     }
 
-    /// Where the interface changes, and at the first record where a change may come.
+    /// Where the line changes, and at the first record where it may change.
     void name_line(const traced_line& line) {
-        const bool changes = shown_last_ != nullptr ? shown_last_ != &line : records_.several_interfaces();
-        if (changes || (shown_last_ == nullptr && !title_.empty())) {
-            print<"=== %s%s: %s\n">(title_, sim::on_one_line(line.name), type_text(line.context.channel_type));
+        if (line.serial == shown_last_) {
+            return;
         }
-        shown_last_ = &line;
+        if (shown_last_ != 0 || !title_.empty() || records_.has_several_lines()) {
+            print<"=== %s%s: %s\n">(title_, sim::on_one_line(line.identity.name), type_text(line.context.channel_type));
+        }
+        shown_last_ = line.serial;
     }
 
     const open_capture& file_;
     std::string title_;
     shown_counts& counts_;
     capture_records records_;
-    const traced_line* shown_last_ = nullptr;
+    std::uint64_t shown_last_ = 0;  // the serial number of its line
     bool date_told_ = false;
 };
 
