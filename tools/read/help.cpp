@@ -11,8 +11,7 @@ Examples:
   ifwatch-read -i -h --sent 192.0.2.1 lan.pcap | less   what that host sent is shown as sent
   ifwatch-read --type 0 -2 -3 user.pcap                 the file cannot say that it holds a D-channel
   tcpdump -U -w - -i eth0 | ifwatch-read -i -           a live trace of this machine's own card
-  zcat night.pcapng.gz | ifwatch-read -p -i             packed, from another machine, merged: any stream will do
-  tshark -r big.pcapng -Y ip.addr==192.0.2.1 -w - | ifwatch-read -i
+  ssh host tcpdump -U -w - | ifwatch-read -p -i         another machine's; so can zcat, mergecap -w -, tshark -w -
 
 Usage: ifwatch-read [OPTIONS] [FILE ...]
 
