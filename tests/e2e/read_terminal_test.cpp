@@ -44,10 +44,9 @@ protected:
     outcome show(std::vector<std::string> arguments, on_terminal streams,
                  std::vector<std::pair<std::string, std::string>> environment = {}) const {
         arguments.push_back(file);
-        return run_on_terminal({.program = IFWATCH_READ_PROGRAM,
-                                .arguments = std::move(arguments),
-                                .environment = std::move(environment)},
-                               streams);
+        return run_on_terminal(
+            {.program = IFWATCH_READ_PROGRAM, .arguments = std::move(arguments), .environment = std::move(environment)},
+            streams);
     }
 
     void write_capture(std::uint32_t link_type, const octet_list& packet, int count = 1) const {
@@ -123,8 +122,7 @@ TEST_F(read_on_terminal, a_terminal_as_its_input_is_a_mistake) {
     process running({.program = IFWATCH_READ_PROGRAM, .input_fd = keyboard.stream()});
     const outcome got = running.wait();
     EXPECT_EQ(got.status, 2);
-    EXPECT_EQ(got.errors,
-              "ifwatch-read: no FILE is given, and the standard input is a terminal (--help tells more)\n");
+    EXPECT_EQ(got.errors, "ifwatch-read: no FILE is given, and the standard input is a terminal (--help tells more)\n");
 }
 
 }  // namespace
