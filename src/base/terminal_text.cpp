@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "base/descriptor_buffer.h"
 #include "base/names.h"
 #include "base/number_text.h"
-#include "base/patient_write.h"
 
 namespace ifwatch {
 
@@ -15,21 +15,6 @@ constexpr std::size_t PIECE = 4096;
 bool stays(char character) {
     return is_printable(static_cast<unsigned char>(character)) || character == '\n' || character == '\t';
 }
-
-/// A buffer that leaves through a descriptor, up to the first failure of that.
-struct descriptor_buffer : text_buffer<PIECE> {
-    explicit descriptor_buffer(int to) : fd(to) { drain = write_out; }
-
-    static bool write_out(text_sink& sink) {
-        auto& self = static_cast<descriptor_buffer&>(sink);
-        self.failed = self.failed || !write_whole(self.fd, self.text());
-        self.used = 0;
-        return !self.failed;
-    }
-
-    int fd;
-    bool failed = false;
-};
 
 void put_escaped(text_sink& sink, char character) {
     const auto octet = static_cast<unsigned char>(character);
@@ -53,9 +38,9 @@ void put_terminal_text(text_sink& sink, std::string_view text) {
 }
 
 bool write_terminal_text(int fd, std::string_view text) {
-    descriptor_buffer pieces(fd);
+    descriptor_buffer<PIECE> pieces(fd);
     put_terminal_text(pieces, text);
-    return descriptor_buffer::write_out(pieces);
+    return pieces.flush();
 }
 
 }  // namespace ifwatch
