@@ -1,23 +1,12 @@
 #include "base/patient_write.h"
 
 #include <poll.h>
-#include <unistd.h>
-
-#include <cerrno>
 
 namespace ifwatch {
 
-long write_patiently(int fd, const char* data, std::size_t length) {
-    while (true) {
-        const long written = write(fd, data, length);
-        if (written >= 0 || errno != EAGAIN) {
-            return written;
-        }
-        pollfd stream{fd, POLLOUT, 0};
-        if (poll(&stream, 1, -1) < 0 && errno != EINTR) {
-            return -1;
-        }
-    }
+bool wait_for_room(int fd) {
+    pollfd stream{fd, POLLOUT, 0};
+    return poll(&stream, 1, -1) >= 0 || errno == EINTR;
 }
 
 bool write_whole(int fd, std::string_view text) {

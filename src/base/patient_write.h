@@ -1,13 +1,25 @@
 #pragma once
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstddef>
 #include <string_view>
 
 namespace ifwatch {
 
+/// Waits until a descriptor takes more. False, with errno set, when that cannot be waited for.
+[[nodiscard]] bool wait_for_room(int fd);
+
 /// write(2) that waits for room also where the stream does not block: whoever shares a terminal or a pipe with this
 /// program may have set it so. Like write(2) it may take a part, and -1 tells in errno why not, EINTR included.
-[[nodiscard]] long write_patiently(int fd, const char* data, std::size_t length);
+[[nodiscard]] inline long write_patiently(int fd, const char* data, std::size_t length) {
+    long written = write(fd, data, length);
+    while (written < 0 && errno == EAGAIN && wait_for_room(fd)) {
+        written = write(fd, data, length);
+    }
+    return written;
+}
 
 /// Writes all of the text, going on after an interruption. False, with errno set, when the descriptor fails or takes
 /// nothing; a part may have been written then.
