@@ -27,6 +27,7 @@ namespace ifwatch::test {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::AnyOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -217,7 +218,8 @@ TEST_F(extcap_program, asks_for_one_atm_connection) {
 TEST_F(extcap_program, leaves_out_events_and_marks_damaged_frames) {
     const simulator router({"channel 0\nrecord R 1 info=1\nrecord R 2 info=4\n 02 01 7F\nrecord R 3 info=7\n 00\n"});
     ASSERT_EQ(capture(router.port()).status, 0);
-    EXPECT_EQ(shown({"frame.packet_flags_crc_error", "frame.comment"}), "1\tline error: CRC\n");
+    EXPECT_THAT(shown({"frame.packet_flags_crc_error", "frame.comment"}),
+                AnyOf("1\tline error: CRC\n", "True\tline error: CRC\n"));  // as tshark 4.0 prints a flag, and as 4.4
 }
 
 TEST_F(extcap_program, traces_an_old_router) {

@@ -45,11 +45,23 @@ if awk '$2 != "root/root" || $1 ~ /^.....w|^........w/ && $1 !~ /^l/' "$scratch/
     fail "files of others, or that others may write"
 fi
 
-# --- The root: a package database and the shared libraries that the package names as its dependencies, no more
+# --- The root: a package database and the shared libraries of the packages it depends on, no more
 
 mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates" "$root/tmp" "$root/lib" "$root/usr/lib"
 : >"$root/var/lib/dpkg/available"
-dependencies=$(field Depends | tr ',' '\n' | awk '{ print $1 }')
+dependencies=''
+# Adds the package and what it depends on. Of alternatives the first; one that is not here is not needed here either.
+add_package() {
+    case " $dependencies " in *" $1 "*) return ;; esac
+    names=$(dpkg-query --show --showformat='${Pre-Depends},${Depends}' "$1" 2>/dev/null) || return 0
+    dependencies="$dependencies $1"
+    for name in $(echo "$names" | tr ',' '\n' | awk '{ print $1 }'); do
+        add_package "$name"
+    done
+}
+for name in $(field Depends | tr ',' '\n' | awk '{ print $1 }'); do
+    add_package "$name"
+done
 for dependency in $dependencies; do
     dpkg-query --status "$dependency"
     echo

@@ -26,7 +26,9 @@ inline std::vector<std::uint8_t> trace_record(std::uint8_t sequence, const std::
     put(0, 4);
     put(sequence, 4);
     put(data.size(), 2);
-    record.insert(record.end(), data.begin(), data.end());
+    for (const std::uint8_t octet : data) {
+        put(octet, 1);
+    }
     return record;
 }
 

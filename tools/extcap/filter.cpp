@@ -14,8 +14,8 @@ namespace ifwatch::extcap {
 
 namespace {
 
+using sim::in_quotes;
 using sim::parse_number;
-using sim::quoted;
 
 constexpr char JOINER = 'o';
 constexpr std::string_view BLANKS = " \t\r\n";
@@ -64,7 +64,7 @@ std::string find_session_mistake(std::string_view text) {
         const bool right = fields[i].empty() ||
                            (LARGEST[i] == 0 ? is_host(fields[i]) : parse_number(fields[i], 0, LARGEST[i]).has_value());
         if (!right) {
-            return std::string("the ") + NAMES[i] + " cannot be " + quoted(fields[i]);
+            return std::string("the ") + NAMES[i] + " cannot be " + in_quotes(fields[i]);
         }
     }
     return "";
@@ -132,7 +132,7 @@ private:
         std::string_view argument;
         const filter_option* const option = find_option(word, argument);
         if (option == nullptr) {
-            return "unknown filter " + quoted(word);
+            return "unknown filter " + in_quotes(word);
         }
         if (option->find_mistake == nullptr) {
             return take_plain(*option, argument);
@@ -147,12 +147,12 @@ private:
         }
         const std::string mistake = option->find_mistake(argument.substr(negated ? 1 : 0));
         add(option->kind, std::string(argument).c_str());
-        return mistake.empty() ? "" : name + " " + quoted(argument) + ": " + mistake;
+        return mistake.empty() ? "" : name + " " + in_quotes(argument) + ": " + mistake;
     }
 
     std::string take_plain(const filter_option& option, std::string_view argument) {
         if (!argument.empty()) {
-            return std::string(option.name) + " takes no " + quoted(argument);
+            return std::string(option.name) + " takes no " + in_quotes(argument);
         }
         if (option.kind == JOINER && last_ == JOINER) {
             return "-o stands between two filters";

@@ -13,8 +13,8 @@ namespace ifwatch::extcap {
 
 namespace {
 
+using sim::in_quotes;
 using sim::parse_number;
-using sim::quoted;
 
 constexpr std::int64_t LARGEST_INDEX = std::numeric_limits<std::int32_t>::max();
 constexpr std::int64_t LONGEST_FRAME = 8192;
@@ -141,16 +141,16 @@ std::string take_option(const known_option& known, const char* argument, plugin_
     if (known.apply == nullptr || left_empty || known.apply(text, options)) {
         return "";
     }
-    return "--" + std::string(known.name) + " takes " + known.takes + ", not " + quoted(text);
+    return "--" + std::string(known.name) + " takes " + known.takes + ", not " + in_quotes(text);
 }
 
 /// What is wrong with the option at which getopt_long stopped. Its code is in optopt: 0 for an unknown long one.
 std::string describe_mistake(bool argument_missing, const char* word) {
     if (optopt >= FIRST_CODE) {
         const std::string name = "--" + std::string(OPTIONS[optopt - FIRST_CODE].name);
-        return argument_missing ? "no argument behind " + quoted(name) : name + " takes no argument";
+        return argument_missing ? "no argument behind " + in_quotes(name) : name + " takes no argument";
     }
-    return "unknown option " + quoted(optopt != 0 ? std::string("-") + static_cast<char>(optopt) : word);
+    return "unknown option " + in_quotes(optopt != 0 ? std::string("-") + static_cast<char>(optopt) : word);
 }
 
 bool needs_interface(call what) {
@@ -203,7 +203,7 @@ bool parse_options(int argc, char** argv, plugin_options& options, std::string& 
         }
     }
     if (optind < argc) {
-        note("not an option: " + quoted(argv[optind]));
+        note("not an option: " + in_quotes(argv[optind]));
     }
     const char* const usual_host = std::getenv("TRACE_HOST");
     options.host = options.host.empty() && usual_host != nullptr ? usual_host : options.host;

@@ -44,7 +44,7 @@ struct case_parser {
 problem parse_channel(case_parser& parser, std::string_view rest) {
     const auto value = parse_number(rest, -0x8000, 0xFFFF);
     if (!value) {
-        return "channel takes the code of a channel type, not " + quoted(rest);
+        return "channel takes the code of a channel type, not " + in_quotes(rest);
     }
     if (parser.parsed.channel_line != 0) {
         return "a second channel line";
@@ -57,7 +57,7 @@ problem parse_channel(case_parser& parser, std::string_view rest) {
 problem parse_interface(case_parser& parser, std::string_view rest) {
     const auto value = parse_number(rest, 0, std::numeric_limits<std::int32_t>::max());
     if (!value) {
-        return "interface takes an interface index, not " + quoted(rest);
+        return "interface takes an interface index, not " + in_quotes(rest);
     }
     if (parser.parsed.interface_index) {
         return "a second interface line";
@@ -90,10 +90,10 @@ problem parse_record_key(case_parser& parser, case_record& record, std::string_v
     const std::string_view text = equals == std::string_view::npos ? std::string_view{} : word.substr(equals + 1);
     const auto value = parse_number(text, 0, key == "original" ? 0xFFFF : MAX_32_BIT);
     if (key != "sequence" && key != "flags" && key != "info" && key != "original") {
-        return "unknown record key " + quoted(word);
+        return "unknown record key " + in_quotes(word);
     }
     if (!value) {
-        return std::string(key) + " takes a number, not " + quoted(text);
+        return std::string(key) + " takes a number, not " + in_quotes(text);
     }
     const auto number = static_cast<std::uint32_t>(*value);
     if (key == "sequence") {
@@ -112,12 +112,12 @@ problem parse_record_key(case_parser& parser, case_record& record, std::string_v
 problem parse_record(case_parser& parser, std::string_view rest) {
     const std::string_view direction = take_word(rest);
     if (direction != "R" && direction != "X") {
-        return "record takes R (received) or X (sent), not " + quoted(direction);
+        return "record takes R (received) or X (sent), not " + in_quotes(direction);
     }
     const std::string_view time = take_word(rest);
     const auto timestamp = parse_number(time, 0, MAX_32_BIT);
     if (!timestamp) {
-        return "record takes a time stamp in ms, not " + quoted(time);
+        return "record takes a time stamp in ms, not " + in_quotes(time);
     }
     std::vector<case_record>& records = parser.parsed.records;
     case_record record;
@@ -175,7 +175,7 @@ problem parse_line(case_parser& parser, std::string_view line) {
             return known.parse(parser, line);
         }
     }
-    return "unknown word " + quoted(word);
+    return "unknown word " + in_quotes(word);
 }
 
 }  // namespace

@@ -228,7 +228,7 @@ bool convert(int argc, char** argv, std::string& note, std::string& error) {
     }
     if (understood && files.size() != 1) {
         understood = false;
-        error = files.empty() ? "no file given" : "one file at a time, not also " + quoted(files[1]);
+        error = files.empty() ? "no file given" : "one file at a time, not also " + in_quotes(files[1]);
     }
     if (!understood) {
         error = std::string(asked.word) + ": " + error + " (" + std::string(asked.word) + " --help tells more)";

@@ -172,7 +172,7 @@ int open_listener(const daemon_setup& setup, std::uint16_t& port, std::string& e
     address.sin_family = AF_INET;
     address.sin_port = htons(setup.port);
     if (inet_pton(AF_INET, setup.listen.c_str(), &address.sin_addr) != 1) {
-        error = "--listen takes an IPv4 address, not " + quoted(setup.listen);
+        error = "--listen takes an IPv4 address, not " + in_quotes(setup.listen);
         return -1;
     }
     const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);

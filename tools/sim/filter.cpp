@@ -153,7 +153,7 @@ bool build_filter(std::span<const filter_entry> entries, frame_filter& filter, s
         }
         filter_term term;
         if (!parse_term(entry, term)) {
-            error = "bad filter -" + std::string(1, entry.kind) + " " + quoted(entry.text);
+            error = "bad filter -" + std::string(1, entry.kind) + " " + in_quotes(entry.text);
             return false;
         }
         if (new_group) {

@@ -36,7 +36,8 @@ std::string append_repeated(std::string_view pair, std::string_view count, std::
     const auto value = parse_number("0x" + std::string(pair), 0, 0xFF);
     const auto times = parse_number(count, 0, 0xFFFFFFFF);
     if (pair.size() != 2 || !value || !times) {
-        return quoted(std::string(pair) + "*" + std::string(count)) + " is not an octet and how often it is repeated";
+        return in_quotes(std::string(pair) + "*" + std::string(count)) +
+               " is not an octet and how often it is repeated";
     }
     if (static_cast<std::size_t>(*times) > limit - std::min(limit, octets.size())) {
         return too_many(limit);
@@ -48,10 +49,10 @@ std::string append_repeated(std::string_view pair, std::string_view count, std::
 std::string append_pairs(std::string_view pairs, std::vector<std::uint8_t>& octets) {
     const std::string_view digits = "0123456789abcdefABCDEF";
     if (pairs.find_first_not_of(digits) != std::string_view::npos) {
-        return quoted(pairs) + " is not hexadecimal";
+        return in_quotes(pairs) + " is not hexadecimal";
     }
     if (pairs.size() % 2 != 0) {
-        return quoted(pairs) + " has an odd number of digits";
+        return in_quotes(pairs) + " has an odd number of digits";
     }
     for (; !pairs.empty(); pairs.remove_prefix(2)) {
         const auto value = parse_number("0x" + std::string(pairs.substr(0, 2)), 0, 0xFF);

@@ -64,7 +64,7 @@ int option_walk::next() {
     if (meant < 0) {
         const bool by_letter = optopt != 0;
         mistake_ =
-            "unknown option " + quoted(by_letter ? std::string("-") + static_cast<char>(optopt) : argv_[optind - 1]);
+            "unknown option " + in_quotes(by_letter ? std::string("-") + static_cast<char>(optopt) : argv_[optind - 1]);
         return MISTAKE;
     }
     const option_form& form = forms_[static_cast<std::size_t>(meant)];

@@ -9,7 +9,7 @@
 namespace ifwatch::sim {
 
 /// The text in single quotes, for a message.
-inline std::string quoted(std::string_view text) {
+inline std::string in_quotes(std::string_view text) {
     std::string result;
     result.reserve(text.size() + 2);
     result += '\'';
