@@ -136,6 +136,12 @@ TEST_F(trace_file, refuses_a_record_that_cannot_be_held) {
     EXPECT_EQ(read(join({0}, record(8192 + 23, {}))).errors, REPORT + "data too short! (0 instead of 8193)\n");
 }
 
+TEST_F(trace_file, holds_a_record_of_the_greatest_length) {
+    const outcome got = read(join({0}, record(22 + 8192, stream(8192, 0xA1))));
+    EXPECT_EQ(got.output.substr(0, 28), "000001.234 X #00000001 DATA[");
+    EXPECT_EQ(got.errors, REPORT + "msg1 too short!\n");
+}
+
 TEST_F(trace_file, may_be_the_standard_input) {
     const octet_pipe pipe(join({0}, record(25, {2, 1, 0x7F})));
     const test::replaced_descriptor input(STDIN_FILENO, pipe.reader());
