@@ -69,11 +69,21 @@ run_unit_tests() { timeout "$TIME_LIMIT" ./unit_tests --gtest_fail_fast; }
 
 run_pattern() { ctest --no-tests=error --stop-on-failure --timeout "$TIME_LIMIT" -j "$jobs" -R "$1"; }
 
-# Names the tests that notice the change of the file; nothing when none does. Fails when it does not compile.
+# Whether the compiler made the same of it. What all programs but the start are made of is in the library.
+made_the_same() {
+    for part in libifwatch_core.a CMakeFiles/ifwatch.dir/src/client/main.cpp.o; do
+        cmp -s "$WORK/clean/$part" "$WORK/built/$part" || return 1
+    done
+}
+
+# Names the tests that notice the change of the file; nothing when none does. Fails when there is nothing to notice: it
+# does not compile, or makes no difference to what is compiled.
 tests_that_notice() {
     folder=${1#src/}
     folder=${folder%%/*}
     [ -d "tests/golden/$folder" ] || folder='display'
+    build_changed ifwatch >"$log" 2>&1 || return 1
+    ! made_the_same || return 1
     while read -r name pattern target; do
         build_changed "$target" >"$log" 2>&1 || return 1
         run_tests "$name" "$pattern" >"$log" 2>&1 || {
@@ -96,7 +106,7 @@ change_line() {
         { print }' "$1"
 }
 
-# try_change FILE LINE COLUMN OLD NEW: adds its line to the results, but for a change that does not compile.
+# try_change FILE LINE COLUMN OLD NEW: adds its line to the results, when there is anything to notice.
 try_change() {
     mv "$WORK/tree/$1" "$WORK/kept"
     change_line "$WORK/kept" "$2" "$3" "$4" "$5" >"$WORK/tree/$1"
