@@ -20,10 +20,8 @@ namespace {
 
 constexpr int NONE = -1;
 
-// NOLINTBEGIN(*-avoid-non-const-global-variables): the functions below have no other place for it
 int rules = 0;  // that were asked for
 int refused = NONE;
-// NOLINTEND(*-avoid-non-const-global-variables)
 
 }  // namespace
 }  // namespace ifwatch::test
@@ -32,8 +30,8 @@ int refused = NONE;
 extern "C" int seccomp_rule_add_array(scmp_filter_ctx context, std::uint32_t action, int number, unsigned int count,
                                       const scmp_arg_cmp* arguments) {
     using function = int (*)(scmp_filter_ctx, std::uint32_t, int, unsigned int, const scmp_arg_cmp*);
-    static const auto real = reinterpret_cast<function>(dlsym(RTLD_NEXT, "seccomp_rule_add_array"));
-    return ifwatch::test::rules++ == ifwatch::test::refused ? -ENOMEM : real(context, action, number, count, arguments);
+    static const auto REAL = reinterpret_cast<function>(dlsym(RTLD_NEXT, "seccomp_rule_add_array"));
+    return ifwatch::test::rules++ == ifwatch::test::refused ? -ENOMEM : REAL(context, action, number, count, arguments);
 }
 
 extern "C" int seccomp_rule_add(scmp_filter_ctx context, std::uint32_t action, int number, unsigned int count, ...) {

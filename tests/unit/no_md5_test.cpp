@@ -12,16 +12,16 @@
 namespace ifwatch {
 namespace {
 
-bool has_md5 = true;  // NOLINT(*-avoid-non-const-global-variables): the function below has no other place for it
+bool has_md5 = true;
 
 }  // namespace
 }  // namespace ifwatch
 
 // It stands before that of the library, which it calls.
-extern "C" const EVP_MD* EVP_md5() {
+extern "C" const EVP_MD* EVP_md5() {  // NOLINT(*-identifier-naming)
     using function = const EVP_MD* (*)();
-    static const auto real = reinterpret_cast<function>(dlsym(RTLD_NEXT, "EVP_md5"));
-    return ifwatch::has_md5 ? real() : nullptr;
+    static const auto REAL = reinterpret_cast<function>(dlsym(RTLD_NEXT, "EVP_md5"));
+    return ifwatch::has_md5 ? REAL() : nullptr;
 }
 
 namespace ifwatch {
