@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -154,6 +155,19 @@ TEST_F(trace_file, may_be_the_standard_input) {
     EXPECT_EQ(output.take(),
               "000001.234 X #00000001 DATA[0003]   \n"
               "\tSAPI=00\tC/R=1\tTEI=00\tSABME P/F=1\n\n");
+    EXPECT_GE(fcntl(STDIN_FILENO, F_GETFD), 0) << "left open";
+}
+
+int lowest_free_descriptor() {
+    const int fd = dup(STDERR_FILENO);
+    close(fd);
+    return fd;
+}
+
+TEST_F(trace_file, is_closed_at_its_end) {
+    const int before = lowest_free_descriptor();
+    EXPECT_EQ(read({6}).status, 0);
+    EXPECT_EQ(lowest_free_descriptor(), before);
 }
 
 TEST_F(trace_file, ends_with_an_output_that_fails) {
