@@ -1,5 +1,7 @@
 #include "lan/rfc1483.h"
 
+#include <iterator>
+
 #include "base/names.h"
 #include "base/print.h"
 #include "display/display_context.h"
@@ -28,7 +30,7 @@ constexpr table_text BRIDGED_PROTOCOLS[] = {
     nullptr, "Ethernet (no FCS)", "802.4 (no FCS)", "802.5 (no FCS)", "FDDI (no FCS)", "802.6 (no FCS)",
     nullptr, "Fragments",         "BPDU",
 };
-constexpr int BRIDGED_PROTOCOL_COUNT = 15;
+constexpr int BRIDGED_PROTOCOL_COUNT = static_cast<int>(std::size(BRIDGED_PROTOCOLS));
 
 /// Where the payload stands and the key under which dump_ethertype knows it.
 struct encapsulation {

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -136,6 +137,12 @@ TEST_F(trace_file, refuses_a_record_that_cannot_be_held) {
     EXPECT_EQ(read(join({0}, record(8192 + 23, {}))).errors, REPORT + "data too short! (0 instead of 8193)\n");
 }
 
+TEST_F(trace_file, holds_a_record_of_the_greatest_length) {
+    const outcome got = read(join({0}, record(22 + 8192, stream(8192, 0xA1))));
+    EXPECT_EQ(got.output.substr(0, 28), "000001.234 X #00000001 DATA[");
+    EXPECT_EQ(got.errors, REPORT + "msg1 too short!\n");
+}
+
 TEST_F(trace_file, may_be_the_standard_input) {
     const octet_pipe pipe(join({0}, record(25, {2, 1, 0x7F})));
     const test::replaced_descriptor input(STDIN_FILENO, pipe.reader());
@@ -148,6 +155,21 @@ TEST_F(trace_file, may_be_the_standard_input) {
     EXPECT_EQ(output.take(),
               "000001.234 X #00000001 DATA[0003]   \n"
               "\tSAPI=00\tC/R=1\tTEI=00\tSABME P/F=1\n\n");
+    EXPECT_GE(fcntl(STDIN_FILENO, F_GETFD), 0) << "left open";
+}
+
+int open_descriptors() {
+    int count = 0;
+    for (int fd = 0; fd < 256; ++fd) {
+        count += fcntl(fd, F_GETFD) >= 0 ? 1 : 0;
+    }
+    return count;
+}
+
+TEST_F(trace_file, is_closed_at_its_end) {
+    const int before = open_descriptors();
+    EXPECT_EQ(read({6}).status, 0);
+    EXPECT_EQ(open_descriptors(), before);
 }
 
 TEST_F(trace_file, ends_with_an_output_that_fails) {
