@@ -69,6 +69,12 @@ public:
         }
     }
 
+    /// The capture as it is.
+    std::size_t whole(const octet_list& octets) {
+        show(octets);
+        return 1;
+    }
+
     /// The capture in all its damaged forms; how many those were, 0 behind a message when one was shown wrongly.
     std::size_t damage(octet_list octets) {
         const std::string whole = show(octets);
