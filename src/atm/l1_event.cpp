@@ -28,9 +28,11 @@ table_text event_name(std::uint32_t event, std::uint32_t state) {
 
 }  // namespace
 
+table_text line_error_name(int event) { return value_name(LINE_ERRORS, event); }
+
 void dump_l1_event(const display_context& context, std::string_view header, std::string_view delta) {
     const std::uint32_t event = context.header->channel_info & 0xFF;
-    if (const table_text error = value_name(LINE_ERRORS, static_cast<int>(event))) {
+    if (const table_text error = line_error_name(static_cast<int>(event))) {
         print<"%s%s[%04ld]%s">(header, error, context.original_length, delta);
         hex_dump(context.payload, context.payload.length, 16, 6);
         print<"\n">();

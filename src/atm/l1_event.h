@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "base/names.h"
+
 namespace ifwatch {
 
 struct display_context;
@@ -11,5 +13,9 @@ struct display_context;
 /// errors (3 to 6) show the octets they concern and end with a newline of their own. Code 7 takes the layer-1 state
 /// from the record flags, which hold nothing else then; an unknown code prints no name.
 void dump_l1_event(const display_context& context, std::string_view header, std::string_view delta);
+
+/// What the line of an event of this code begins with when it is a line error (3 to 6), padded to four characters; else
+/// nothing.
+[[nodiscard]] table_text line_error_name(int event);
 
 }  // namespace ifwatch

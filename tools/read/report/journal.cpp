@@ -1,0 +1,43 @@
+#include "read/report/journal.h"
+
+#include <algorithm>
+
+#include "base/print.h"
+#include "read/report/page.h"
+
+namespace ifwatch::reporting {
+
+void trouble_list::add(place at, std::string_view label, std::string_view text) {
+    const auto same =
+        std::ranges::find_if(entries_, [&](const entry& known) { return known.text == text && known.label == label; });
+    if (same != entries_.end()) {
+        ++same->times;
+        same->last = std::max(same->last, at);
+        same->first = std::min(same->first, at);
+        std::ranges::stable_sort(entries_, {}, &entry::first);
+        return;
+    }
+    const auto behind = std::ranges::upper_bound(entries_, at, {}, &entry::first);
+    entries_.insert(behind, {at, at, 1, std::string(label), std::string(text)});
+    if (entries_.size() > KEPT) {
+        entries_.pop_back();
+        ++dropped_;
+    }
+}
+
+void trouble_list::print_lines() const {
+    const std::size_t shown = std::min(entries_.size(), SHOWN);
+    for (std::size_t i = 0; i < shown; ++i) {
+        const entry& line = entries_[i];
+        print<"  %s %s: %s">(place_text(line.first), line.label, line.text);
+        if (line.times > 1) {
+            print<" (%lu times, the last at %s)">(line.times, place_text(line.last));
+        }
+        print<"\n">();
+    }
+    if (const std::uint64_t more = entries_.size() - shown + dropped_; more > 0) {
+        print<"  and %lu more\n">(more);
+    }
+}
+
+}  // namespace ifwatch::reporting

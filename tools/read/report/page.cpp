@@ -1,0 +1,90 @@
+#include "read/report/page.h"
+
+#include <algorithm>
+
+#include "base/names.h"
+
+namespace ifwatch::reporting {
+
+namespace {
+
+constexpr int PLACE_WIDTH = 16;
+
+constexpr std::uint32_t SECOND = 1000;
+constexpr std::uint32_t MINUTE = 60 * SECOND;
+constexpr std::uint32_t HOUR = 60 * MINUTE;
+
+}  // namespace
+
+std::string time_text(place at) {
+    text_buffer<32> text;
+    print_to<"%u.%03u">(text, at.time_ms / SECOND, at.time_ms % SECOND);
+    return std::string(text.text());
+}
+
+std::string place_text(place at) {
+    text_buffer<32> text;
+    print_to<"%u.%03u #%u">(text, at.time_ms / SECOND, at.time_ms % SECOND, at.number);
+    return std::string(text.text());
+}
+
+std::string duration_text(std::uint32_t milliseconds) {
+    text_buffer<32> text;
+    if (milliseconds < SECOND) {
+        print_to<"%u ms">(text, milliseconds);
+    } else if (milliseconds < 5 * MINUTE) {
+        const std::uint32_t tenths = milliseconds / (SECOND / 10);
+        print_to<"%u.%u s">(text, tenths / 10, tenths % 10);
+    } else if (milliseconds < 2 * HOUR) {
+        print_to<"%u min %u s">(text, milliseconds / MINUTE, milliseconds % MINUTE / SECOND);
+    } else {
+        print_to<"%u h %u min">(text, milliseconds / HOUR, milliseconds % HOUR / MINUTE);
+    }
+    return std::string(text.text());
+}
+
+std::string count_text(std::uint64_t count, const char* noun) {
+    text_buffer<64> text;
+    print_to<"%lu %s%s">(text, count, noun, count == 1 ? "" : "s");
+    return std::string(text.text());
+}
+
+std::string foreign_text(octets text) {
+    const auto held = text.run(0, text.length);
+    // Octets and characters are the same storage; the cast only changes how they are named.
+    return foreign_name({reinterpret_cast<const char*>(held.data()), held.size()});
+}
+
+std::string foreign_name(std::string_view text) {
+    text_buffer<4 * MAX_FOREIGN_TEXT + 3> shown;
+    for (const char character : text.substr(0, MAX_FOREIGN_TEXT)) {
+        const auto octet = static_cast<std::uint8_t>(character);
+        if (is_printable(octet)) {
+            put(shown, character);
+        } else {
+            print_to<"\\x%02x">(shown, octet);
+        }
+    }
+    if (text.size() > MAX_FOREIGN_TEXT) {
+        put(shown, "...");
+    }
+    return std::string(shown.text());
+}
+
+bool begin_row(section& to, place at) {
+    if (to.rows_left == 0) {
+        ++to.left_out;
+        return false;
+    }
+    --to.rows_left;
+    print<"  %-*s ">(PLACE_WIDTH, place_text(at));
+    return true;
+}
+
+void end_section(const section& to) {
+    if (to.left_out > 0) {
+        print<"  and %lu more\n">(to.left_out);
+    }
+}
+
+}  // namespace ifwatch::reporting

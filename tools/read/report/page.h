@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "base/format.h"
+#include "base/octets.h"
+#include "base/print.h"
+#include "read/report/journal.h"
+
+namespace ifwatch::reporting {
+
+/// A record as the page names it: "12.345 #17".
+[[nodiscard]] std::string place_text(place at);
+
+/// Its time alone: "12.345".
+[[nodiscard]] std::string time_text(place at);
+
+/// A length of time as one says it: "662 ms", "3.0 s", "12 min 5 s", "2 h 10 min".
+[[nodiscard]] std::string duration_text(std::uint32_t milliseconds);
+
+/// A count with its noun: "1 call", "3 calls". The noun is one that takes an s.
+[[nodiscard]] std::string count_text(std::uint64_t count, const char* noun);
+
+inline constexpr int MAX_FOREIGN_TEXT = 40;
+
+/// Text that strangers wrote, fit for a row: what is not printable ASCII as \x1b, and at most MAX_FOREIGN_TEXT octets
+/// of it. It takes the declared octets that are held.
+[[nodiscard]] std::string foreign_text(octets text);
+[[nodiscard]] std::string foreign_name(std::string_view text);
+
+/// A section of the page: what one tracker has seen on one interface. The rows that it has no room for are counted.
+struct section {
+    static constexpr int MOST_ROWS = 12;
+
+    int rows_left = MOST_ROWS;
+    std::uint64_t left_out = 0;
+};
+
+/// Prints the place of a row, in a column of its own. False when the section has no room for it.
+[[nodiscard]] bool begin_row(section& to, place at);
+
+/// A row, one line: what happened, from that record on.
+template <format_text Format, class... Arguments>
+void print_row(section& to, place at, const Arguments&... arguments) {
+    if (begin_row(to, at)) {
+        print<Format>(arguments...);
+        print<"\n">();
+    }
+}
+
+/// Tells how many rows were left out.
+void end_section(const section& to);
+
+}  // namespace ifwatch::reporting
