@@ -1,6 +1,7 @@
 #include "read/report/journal.h"
 
 #include <algorithm>
+#include <functional>
 
 #include "base/print.h"
 #include "read/report/page.h"
@@ -8,21 +9,27 @@
 namespace ifwatch::reporting {
 
 void trouble_list::add(place at, std::string_view label, std::string_view text) {
-    const auto same =
-        std::ranges::find_if(entries_, [&](const entry& known) { return known.text == text && known.label == label; });
+    const std::size_t hash = std::hash<std::string_view>()(text);
+    const auto same = std::ranges::find_if(
+        entries_, [&](const entry& known) { return known.hash == hash && known.text == text && known.label == label; });
     if (same != entries_.end()) {
         ++same->times;
         same->last = std::max(same->last, at);
-        same->first = std::min(same->first, at);
-        std::ranges::stable_sort(entries_, {}, &entry::first);
+        if (at < same->first) {
+            same->first = at;
+            std::ranges::stable_sort(entries_, {}, &entry::first);
+        }
         return;
     }
     const auto behind = std::ranges::upper_bound(entries_, at, {}, &entry::first);
-    entries_.insert(behind, {at, at, 1, std::string(label), std::string(text)});
-    if (entries_.size() > KEPT) {
-        entries_.pop_back();
+    if (entries_.size() == KEPT) {
         ++dropped_;
+        if (behind == entries_.end()) {
+            return;
+        }
+        entries_.pop_back();
     }
+    entries_.insert(behind, {at, at, 1, hash, std::string(label), std::string(text)});
 }
 
 void trouble_list::print_lines() const {

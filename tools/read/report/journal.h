@@ -57,6 +57,7 @@ private:
         place first;
         place last;
         std::uint64_t times = 1;
+        std::size_t hash = 0;  // of the text
         std::string label;
         std::string text;
     };
@@ -77,6 +78,7 @@ struct journal {
     std::string label;       // how the page calls the interface: "line 2100"
     place now;               // the record at hand; at the end the last one
     std::uint64_t lost = 0;  // records that were lost up to here: who waits for an answer compares
+    bool has_sent = false;   // a frame of this interface was sent by the router: else no direction means anything
 };
 
 /// Says what went wrong, in one line without an end, from the record on with which it began.

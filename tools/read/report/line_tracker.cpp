@@ -63,9 +63,13 @@ void count(line_tracker::tally& tally, place at) {
 }
 
 void tell_not_activated(const line_change& change, const journal& about) {
-    tell_trouble<"layer 1 does not come up: %s until timer T3 was over, %s">(
-        about, change.first, change.furthest >= F5 ? "a signal, but out of step" : "no signal from the other side",
-        duration_text(change.took_ms));
+    const std::string took = duration_text(change.took_ms);
+    if (change.furthest >= F5) {
+        tell_trouble<"layer 1 does not come up: a signal, but out of step for %s (T3)">(about, change.first, took);
+    } else {
+        tell_trouble<"layer 1 does not come up: no signal for %s (T3): the cable, its socket, the network termination">(
+            about, change.first, took);
+    }
 }
 
 void take_up(line_tracker& line, const journal& about) {

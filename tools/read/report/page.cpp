@@ -14,6 +14,19 @@ constexpr std::uint32_t SECOND = 1000;
 constexpr std::uint32_t MINUTE = 60 * SECOND;
 constexpr std::uint32_t HOUR = 60 * MINUTE;
 
+constexpr std::size_t LINE_WIDTH = 80;  // of a text, behind its place
+
+/// Prints a text, broken between its words into lines that begin in the column where the cursor stands.
+void print_lines(std::string_view text) {
+    while (text.size() > LINE_WIDTH) {
+        const std::size_t blank = text.rfind(' ', LINE_WIDTH);
+        const std::size_t end = blank != std::string_view::npos && blank > 0 ? blank : LINE_WIDTH;
+        print<"%s\n  %-*s ">(text.substr(0, end), PLACE_WIDTH, "");
+        text.remove_prefix(text[end] == ' ' ? end + 1 : end);
+    }
+    print<"%s\n">(text);
+}
+
 }  // namespace
 
 std::string time_text(place at) {
@@ -71,14 +84,14 @@ std::string foreign_name(std::string_view text) {
     return std::string(shown.text());
 }
 
-bool begin_row(section& to, place at) {
+void print_row_text(section& to, place at, std::string_view text) {
     if (to.rows_left == 0) {
         ++to.left_out;
-        return false;
+        return;
     }
     --to.rows_left;
     print<"  %-*s ">(PLACE_WIDTH, place_text(at));
-    return true;
+    print_lines(text);
 }
 
 void end_section(const section& to) {

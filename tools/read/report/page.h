@@ -38,16 +38,18 @@ struct section {
     std::uint64_t left_out = 0;
 };
 
-/// Prints the place of a row, in a column of its own. False when the section has no room for it.
-[[nodiscard]] bool begin_row(section& to, place at);
+inline constexpr std::size_t MAX_ROW = 640;
 
-/// A row, one line: what happened, from that record on.
+/// Prints a row: its place in a column of its own, and the text in as many lines as it needs. Where the section has no
+/// room for it, it is only counted.
+void print_row_text(section& to, place at, std::string_view text);
+
+/// A row: what happened, from that record on. It is cut at MAX_ROW characters.
 template <format_text Format, class... Arguments>
 void print_row(section& to, place at, const Arguments&... arguments) {
-    if (begin_row(to, at)) {
-        print<Format>(arguments...);
-        print<"\n">();
-    }
+    text_buffer<MAX_ROW> text;
+    print_to<Format>(text, arguments...);
+    print_row_text(to, at, text.text());
 }
 
 /// Tells how many rows were left out.

@@ -45,6 +45,18 @@ public:
         }
     }
 
+    /// Whether this key is among those of the last few that are over.
+    [[nodiscard]] bool ended_lately(const Key& key) const {
+        constexpr int few = 16;
+        int looked_at = 0;
+        for (auto one = over_.rbegin(); one != over_.rend() && looked_at < few; ++one, ++looked_at) {
+            if (one->key == key) {
+                return true;
+            }
+        }
+        return false;
+    }
+
     /// All of them that are still remembered, in the order of time.
     [[nodiscard]] std::vector<const Entry*> in_order() const {
         std::vector<const Entry*> all;

@@ -33,7 +33,8 @@ constexpr protocol PROTOCOLS[] = {
     {"ATM circuits", "alarm and loopback cells", [](const auto& from) { return cells_were_seen(from.cells); },
      [](const auto& from) { print_cell_section(from.cells); }, [](auto& of) { finish_cells(of.cells, of.about); }},
     {"ISDN", "TEIs, data links and calls", [](const auto& from) { return isdn_was_seen(from.isdn); },
-     [](const auto& from) { print_isdn_section(from.isdn); }, [](auto& of) { finish_isdn(of.isdn, of.about); }},
+     [](const auto& from) { print_isdn_section(from.isdn, from.about); },
+     [](auto& of) { finish_isdn(of.isdn, of.about); }},
     {"PPPoE", "PPPoE discovery", [](const auto& from) { return pppoe_was_seen(from.pppoe); },
      [](const auto& from) { print_pppoe_section(from.pppoe); }, [](auto& of) { finish_pppoe(of.pppoe, of.about); }},
     {"PPP", "PPP negotiation and logins", [](const auto& from) { return ppp_was_seen(from.ppp); },
@@ -113,6 +114,7 @@ void report_run::take(std::size_t interface_number, const display_context& conte
                      .sent = (header.record_flags & RECORD_SENT) != 0,
                      .whole = static_cast<std::uint32_t>(context.payload.length) >= context.original_length,
                      .data = context.payload};
+    to.about.has_sent = to.about.has_sent || what.sent;
     take_line_data(to.line);
     const bool known = context.payload.length > 0 && take_layers(to, what, header);
     count_frame(to.seen, what.sent, context.original_length, known);
