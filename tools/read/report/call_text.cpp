@@ -136,8 +136,10 @@ void put_clearing(text_sink& out, const call_record& call, const journal& about)
 /// What became of the call.
 void put_course(text_sink& out, const call_record& call, const journal& about) {
     put(out, ": ");
-    if (!call.answered && !call.cleared) {
+    const bool waited = elapsed(call.first, about.now) >= SETUP_WAIT_MS;
+    if (!call.answered && !call.cleared && waited) {
         put(out, call.to_all ? "nobody here takes it" : "no answer");
+        put(out, call.lost != about.lost ? " seen, records were lost" : "");
         return;
     }
     if (call.alerting) {

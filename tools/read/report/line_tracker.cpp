@@ -45,7 +45,10 @@ void begin_change(line_tracker& line, const journal& about, kind what, bool goes
         ++line.more_changes;
         return;
     }
-    line.changes.push_back({.first = about.now, .what = what});
+    line_change& change = line.changes.emplace_back();
+    change.first = about.now;
+    change.what = what;
+    change.was_up = line.up;
     line.goes_on = goes_on;
 }
 
@@ -72,9 +75,25 @@ void tell_not_activated(const line_change& change, const journal& about) {
     }
 }
 
+void tell_was_down(const line_change& change, const journal& about) {
+    if (change.what == kind::DOWN_AND_UP && change.was_up) {
+        tell_trouble<"the line went down, for %s">(about, change.first, duration_text(change.took_ms));
+    }
+}
+
+/// Of a line that is down at the end; where the trace began with that only if it lasts.
+void tell_is_down(const line_change& change, const journal& about) {
+    const std::uint32_t lasted = elapsed(change.first, about.now);
+    if (change.what == kind::DOWN && (change.was_up || lasted >= LONG_DOWN_MS)) {
+        tell_trouble<"the line %s, and is not up again %s later">(
+            about, change.first, change.was_up ? "went down" : "is down", duration_text(lasted));
+    }
+}
+
 void take_up(line_tracker& line, const journal& about) {
     if (const line_change* const change = going_on(line)) {
         end_change(line, about, change->what == kind::DOWN ? kind::DOWN_AND_UP : kind::ACTIVATED);
+        tell_was_down(*change, about);
     } else if (!line.up) {
         begin_change(line, about, kind::ACTIVATED, false);
     }
@@ -114,9 +133,6 @@ void take_lost_step(line_tracker& line, const journal& about) {
 
 /// A DSL line that goes down was up, but where the trace begins with it.
 void take_down(line_tracker& line, const journal& about) {
-    if (line.up) {
-        tell_trouble<"the line went down">(about, about.now);
-    }
     if (line.up || line.changes.empty()) {
         begin_change(line, about, kind::DOWN, true);
     }
@@ -203,10 +219,8 @@ void take_line_event(line_tracker& line, const journal& about, std::uint32_t cod
 }
 
 void finish_line(line_tracker& line, const journal& about) {
-    if (const line_change* const change = going_on(line);
-        change != nullptr && change->what == kind::DOWN && elapsed(change->first, about.now) >= LONG_DOWN_MS) {
-        tell_trouble<"the line is down, and not up again %s later">(about, change->first,
-                                                                    duration_text(elapsed(change->first, about.now)));
+    if (const line_change* const change = going_on(line)) {
+        tell_is_down(*change, about);
     }
     for (std::uint32_t code = FIRST_LINE_ERROR; code <= LAST_LINE_ERROR; ++code) {
         const line_tracker::tally& errors = line.errors[code - FIRST_LINE_ERROR];

@@ -14,6 +14,7 @@ struct line_change {
 
     place first;
     kind what = kind::ACTIVATING;
+    bool was_up = false;  // before it
     std::uint32_t took_ms = 0;
     std::uint32_t furthest = 0;  // state that was reached while it was activated
 };

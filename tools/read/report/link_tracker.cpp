@@ -33,6 +33,8 @@ constexpr int IDENTITY_REMOVE = 6;
 // A repetition now and then is in order: the other side may just wake up.
 constexpr int MANY_TRIES = 3;
 constexpr std::uint64_t MANY_REJECTS = 10;
+// Whoever begins again after so long has given up before.
+constexpr std::uint32_t PAUSE_MS = 10'000;
 
 std::string tei_text(const data_link& link) {
     text_buffer<32> text;
@@ -57,7 +59,18 @@ void add_tei_event(link_tracker& tracker, tei_event event) {
     tracker.teis.push_back(event);
 }
 
+void tell_no_tei(const tei_event& request, const journal& about) {
+    if (request.tries >= MANY_TRIES && request.lost == about.lost) {
+        tell_trouble<"no answer to the request for a TEI, sent %d times in %s: nothing on layer 2">(
+            about, request.first, request.tries, duration_text(elapsed(request.first, request.last_try)));
+    }
+}
+
 void take_request(link_tracker& tracker, const journal& about, place at) {
+    if (tracker.tei_waits && elapsed(tracker.teis.back().last_try, at) >= PAUSE_MS) {
+        tell_no_tei(tracker.teis.back(), about);
+        tracker.tei_waits = false;
+    }
     if (tracker.tei_waits) {
         tei_event& waiting = tracker.teis.back();
         ++waiting.tries;
@@ -65,13 +78,6 @@ void take_request(link_tracker& tracker, const journal& about, place at) {
         return;
     }
     add_tei_event(tracker, {at, kind::REQUESTED, 0, 1, at, about.lost});
-}
-
-void tell_no_tei(const tei_event& request, const journal& about) {
-    if (request.tries >= MANY_TRIES && request.lost == about.lost) {
-        tell_trouble<"no answer to the request for a TEI, sent %d times in %s: nothing on layer 2">(
-            about, request.first, request.tries, duration_text(elapsed(request.first, request.last_try)));
-    }
 }
 
 /// An answer to the request that waits, or one whose request was not seen.
@@ -138,13 +144,23 @@ data_link& link_that_is_up(link_tracker& tracker, const journal& about, const fr
     return link;
 }
 
+void tell_tries(const data_link& link, const journal& about) {
+    const bool asked = link.sent || !about.has_sent;
+    const std::string took = duration_text(elapsed(link.first, link.last_try));
+    if (link.up) {
+        tell_trouble<"SABME %s %d times in %s before it was answered">(about, link.first, asked ? "sent" : "received",
+                                                                       link.tries, took);
+    } else if (asked) {
+        tell_trouble<"no answer to SABME, sent %d times in %s: nothing on layer 2">(about, link.first, link.tries,
+                                                                                    took);
+    } else {
+        tell_trouble<"the router does not answer SABME, received %d times in %s">(about, link.first, link.tries, took);
+    }
+}
+
 void conclude_link(const data_link& link, const journal& about) {
-    const bool unanswered = !link.up && !link.refused;
-    if (link.tries >= MANY_TRIES && (unanswered || link.up) && link.lost == about.lost) {
-        const char* const who =
-            link.sent || !about.has_sent ? "no answer to SABME" : "the router does not answer SABME";
-        tell_trouble<"%s, sent %d times in %s: nothing on layer 2">(about, link.first, who, link.tries,
-                                                                    duration_text(elapsed(link.first, link.last_try)));
+    if (link.tries >= MANY_TRIES && !link.refused && link.lost == about.lost) {
+        tell_tries(link, about);
     }
     if (link.rejects >= MANY_REJECTS && link.rejects * 100 >= link.information) {
         tell_trouble<"%lu frames on %s were asked for again (REJ): noise on the line">(about, link.first_reject,
@@ -165,7 +181,11 @@ void end_link(link_tracker& tracker, const journal& about, const frame& what, in
 
 void take_sabme(link_tracker& tracker, const journal& about, const frame& what, int key) {
     data_link* link = tracker.links.find(key);
-    if (link == nullptr) {
+    const bool given_up = link != nullptr && !link->up && elapsed(link->last_try, what.at) >= PAUSE_MS;
+    if (given_up) {
+        conclude_link(*link, about);
+    }
+    if (link == nullptr || given_up) {
         link = &begin_link(tracker, about, what, key);
     }
     if (link->up) {
