@@ -12,12 +12,6 @@
 
 namespace ifwatch {
 
-namespace {
-
-void count_record(std::uint32_t sequence) { report<"\b\b\b\b\b\b\b\b%8lu">(sequence); }
-
-}  // namespace
-
 record_read receive_record(int socket_fd, record_buffer& buffer, display_context& context) {
     std::array<std::uint8_t, RECORD_HEADER_LENGTH> header{};
     const int got_header = read_n(socket_fd, header.data(), RECORD_HEADER_LENGTH);
@@ -58,7 +52,7 @@ int receive_records(int socket_fd, const stream_settings& settings, display_cont
         if (decodes) {
             display_record(context);
         } else {
-            count_record(context.header->sequence);
+            report_count(context.header->sequence);
         }
         writable = flush_output();
     }

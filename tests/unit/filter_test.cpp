@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include "capture/channel_types.h"
 #include "sim/case_file.h"
-#include "sim/channel_types.h"
 #include "sim/record_stream.h"
 
 namespace ifwatch::sim {
 namespace {
+
+using namespace capture;
 
 using octet_vector = std::vector<std::uint8_t>;
 

@@ -1,6 +1,6 @@
 // Blocks octet by octet, from the pcapng draft: sections 3.1 (block structure), 3.5 (options), 4.1 to 4.3 and 4.6.
 
-#include "extcap/pcapng.h"
+#include "capture/pcapng_writer.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <cstring>
 #include <string>
 
-namespace ifwatch::extcap {
+namespace ifwatch::capture {
 namespace {
 
 // Integers of a file, in the byte order of this machine, which the section header tells.
@@ -57,16 +57,18 @@ TEST(pcapng, interface_description) {
                                         .snapshot_length = 96,
                                         .name = "watch-2100",
                                         .description = "Interface 2100: ISDN",
-                                        .filter = "-B ::6"});
+                                        .filter = "-B ::6",
+                                        .comment = "type 0"});
     EXPECT_EQ(text_of(block),
-              block_of(1, u16(203) + u16(0) + u32(96) + option(2, 10, std::string("watch-2100\0\0", 12)) +
-                              option(3, 20, "Interface 2100: ISDN") + option(9, 1, std::string("\x03\0\0\0", 4)) +
-                              option(11, 7, std::string("\0-B ::6\0", 8)) + END_OF_OPTIONS));
+              block_of(1, u16(203) + u16(0) + u32(96) + option(1, 6, std::string("type 0\0\0", 8)) +
+                              option(2, 10, std::string("watch-2100\0\0", 12)) + option(3, 20, "Interface 2100: ISDN") +
+                              option(9, 1, std::string("\x03\0\0\0", 4)) + option(11, 7, std::string("\0-B ::6\0", 8)) +
+                              END_OF_OPTIONS));
 }
 
 TEST(pcapng, interface_description_leaves_empty_texts_out) {
     block_buffer block;
-    build_interface_description(block, {.link_type = 1, .name = "", .description = "", .filter = ""});
+    build_interface_description(block, {.link_type = 1, .name = "", .description = "", .filter = "", .comment = ""});
     EXPECT_EQ(text_of(block),
               block_of(1, u16(1) + u16(0) + u32(0) + option(9, 1, std::string("\x03\0\0\0", 4)) + END_OF_OPTIONS));
 }
@@ -82,18 +84,20 @@ TEST(pcapng, packet_with_everything) {
                                   .original_length = 1503,
                                   .flags = PACKET_INBOUND | PACKET_CRC_ERROR,
                                   .lost = 5,
+                                  .id = 0x1234567890ABCDEF,
                                   .comment = "why?!"});
     EXPECT_EQ(text_of(block),
               block_of(6, u32(1) + u32(0x01234567) + u32(0x89ABCDEF) + u32(7) + u32(1503) +
                               std::string("\1\2\3\xA1\xA2\xA3\xA4\0", 8) + option(1, 5, std::string("why?!\0\0\0", 8)) +
-                              option(2, 4, u32(0x01000001)) + option(4, 8, u64(5)) + END_OF_OPTIONS));
+                              option(2, 4, u32(0x01000001)) + option(4, 8, u64(5)) +
+                              option(5, 8, u64(0x1234567890ABCDEF)) + END_OF_OPTIONS));
 }
 
 TEST(pcapng, packet_with_nothing_to_tell) {
     const std::array<std::uint8_t, 4> data = {9, 8, 7, 6};
     block_buffer block;
-    build_enhanced_packet(block,
-                          {.prefix = {}, .data = data, .original_length = 4, .flags = PACKET_OUTBOUND, .comment = ""});
+    build_enhanced_packet(
+        block, {.prefix = {}, .data = data, .original_length = 4, .flags = PACKET_OUTBOUND, .id = {}, .comment = ""});
     EXPECT_EQ(text_of(block), block_of(6, u32(0) + u32(0) + u32(0) + u32(4) + u32(4) + "\x09\x08\x07\x06" +
                                               option(2, 4, u32(2)) + END_OF_OPTIONS));
 }
@@ -107,6 +111,7 @@ TEST(pcapng, packets_of_every_length_are_padded_with_zeros) {
                                       .data = std::span(data).first(length),
                                       .original_length = captured,
                                       .flags = 1,
+                                      .id = {},
                                       .comment = ""});
         std::string padded(length, '\xFF');
         padded.resize((length + 3) / 4 * 4);
@@ -119,7 +124,8 @@ TEST(pcapng, a_text_longer_than_an_option_is_cut) {
     const std::array<std::uint8_t, 4> data = {1, 2, 3, 4};
     const std::string comment(70000, 'c');
     block_buffer block;
-    build_enhanced_packet(block, {.prefix = {}, .data = data, .original_length = 4, .flags = 1, .comment = comment});
+    build_enhanced_packet(block,
+                          {.prefix = {}, .data = data, .original_length = 4, .flags = 1, .id = {}, .comment = comment});
     EXPECT_EQ(text_of(block), block_of(6, u32(0) + u32(0) + u32(0) + u32(4) + u32(4) + "\1\2\3\4" +
                                               option(1, 0xFFFF, std::string(0xFFFF, 'c') + std::string(1, '\0')) +
                                               option(2, 4, u32(1)) + END_OF_OPTIONS));
@@ -142,4 +148,4 @@ TEST(pcapng, a_buffer_is_used_again) {
 }
 
 }  // namespace
-}  // namespace ifwatch::extcap
+}  // namespace ifwatch::capture

@@ -12,12 +12,12 @@ class byte_stream {
 public:
     static constexpr std::size_t CAPACITY = std::size_t{256} << 10;
 
-    /// `before_read`, if there is one, is called each time before the descriptor is read: what was made of the octets so
-    /// far can leave, for the next ones may be long in coming.
+    /// `before_read`, if there is one, is called each time before the descriptor is read: what was made of the octets
+    /// so far can leave, for the next ones may be long in coming.
     explicit byte_stream(int fd, void (*before_read)() = nullptr);
 
-    /// The next octets, without moving: `wanted` of them, at most CAPACITY, or as many as there are before the end. They
-    /// may be changed in place, and stay until the next call of hold() or skip().
+    /// The next octets, without moving: `wanted` of them, at most CAPACITY, or as many as there are before the end.
+    /// They may be changed in place, and stay until the next call of hold() or skip().
     [[nodiscard]] std::span<std::uint8_t> hold(std::size_t wanted);
 
     /// Moves over so many octets, whether they are held or not. How many there were before the end.

@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "capture/capture_reader.h"
+#include "capture/frame_fields.h"
 #include "capture/link_types.h"
 #include "display/display_context.h"
 #include "trace/record_stream.h"
@@ -32,25 +33,36 @@ struct packet_source {
                                                               std::optional<int> channel_type);
 
 /// The clock of the records made of a capture: a router's own time stamps, below 2^32 ms, stay; others become the time
-/// since the first packet, in ms, to which `start_ms` is added. A packet from before the first counts as with it.
+/// since the first packet, in ms, to which `start_ms` is added. A packet from before the first counts as with it, one
+/// without a time as with that before it.
 struct record_clock {
     std::uint32_t start_ms = 0;
-    std::optional<std::int64_t> first_ns = {};  // of the first packet that had a time
-    bool routers_own = false;                   // what the first packet was found to have
+    bool keeps_routers_own = true;           // false: those count from the first packet, too
+    std::optional<std::int64_t> first_ns;    // of the first packet that had a time
+    bool routers_own = false;                // what the first packet was found to have
+    std::optional<std::uint32_t> latest_ms;  // what at() gave last
 
     [[nodiscard]] std::uint32_t at(const captured_packet& packet);
 };
 
 /// A packet as the record that the router would have sent.
 struct packet_record {
-    record_header header;              // but the sequence number, which the caller counts: see lost and id of the packet
-    std::uint32_t original_length = 0;
-    int captured_length = 0;           // octets of `data` in use
+    record_header header;               // the sequence number is 0 where only the caller can count: see own_sequence
+    std::uint32_t original_length = 0;  // at most 65535, as its field holds; to be shown as 0 with nothing captured
+    int captured_length = 0;            // octets of `data` in use
+    bool own_sequence = false;          // the sequence number is the router's: the packet has it noted
 };
 
 /// Makes the record of a packet; its octets, at most RECORD_DATA_MAXIMUM with what stands in front of a frame in a
 /// record, go to `data`. False where the packet is too short for the header of its link type.
 bool make_packet_record(const captured_packet& packet, const packet_source& source, const sent_rule& sent,
                         record_clock& clock, std::span<std::uint8_t, RECORD_DATA_MAXIMUM> data, packet_record& made);
+
+/// What is wrong with a packet of which no record could be made: "packet 2 at offset 56: 15 octets, but the header of
+/// link type 177 has 16".
+[[nodiscard]] std::string short_packet_text(const captured_packet& packet, std::uint32_t link_type);
+
+/// Whether the records of this channel type show the addresses that the rule goes by.
+[[nodiscard]] bool rule_applies(const sent_rule& rule, int channel_type);
 
 }  // namespace ifwatch::capture

@@ -1,37 +1,17 @@
-#include "extcap/pcapng.h"
+#include "capture/pcapng_writer.h"
 
 #include <concepts>
 #include <cstring>
 
-namespace ifwatch::extcap {
+namespace ifwatch::capture {
 
 namespace {
 
-constexpr std::uint32_t SECTION_HEADER = 0x0A0D0D0A;
-constexpr std::uint32_t INTERFACE_DESCRIPTION = 1;
-constexpr std::uint32_t INTERFACE_STATISTICS = 5;
-constexpr std::uint32_t ENHANCED_PACKET = 6;
-
-constexpr std::uint32_t BYTE_ORDER_MAGIC = 0x1A2B3C4D;
 constexpr std::uint64_t UNKNOWN_LENGTH = ~std::uint64_t{0};
 constexpr std::uint8_t MILLISECONDS = 3;    // a negative power of 10
 constexpr std::uint8_t FILTER_AS_TEXT = 0;  // the octet before a filter's text
 constexpr std::size_t LENGTH_OFFSET = 4;
 constexpr std::size_t LONGEST_OPTION = 0xFFFF;
-
-enum option_code : std::uint16_t {
-    OPTION_END = 0,
-    OPTION_COMMENT = 1,
-    SECTION_APPLICATION = 4,
-    INTERFACE_NAME = 2,
-    INTERFACE_DESCRIPTION_TEXT = 3,
-    INTERFACE_TIME_RESOLUTION = 9,
-    INTERFACE_FILTER = 11,
-    PACKET_FLAGS = 2,
-    PACKET_DROP_COUNT = 4,
-    STATISTICS_RECEIVED = 4,
-    STATISTICS_DROPPED = 5,
-};
 
 class block_writer {
 public:
@@ -50,7 +30,7 @@ public:
     }
 
     void put_octets(std::span<const std::uint8_t> octets) { block_.insert(block_.end(), octets.begin(), octets.end()); }
-    void pad() { block_.resize((block_.size() + 3) / 4 * 4); }
+    void pad() { block_.resize(padded(block_.size())); }
 
     /// The upper half first, whatever the byte order.
     void put_time(std::uint64_t time) {
@@ -98,7 +78,7 @@ private:
 }  // namespace
 
 void build_section_header(block_buffer& block, std::string_view application) {
-    block_writer writer(block, SECTION_HEADER);
+    block_writer writer(block, BLOCK_SECTION);
     writer.put(BYTE_ORDER_MAGIC);
     writer.put(std::uint16_t{1});  // version 1.0
     writer.put(std::uint16_t{0});
@@ -108,10 +88,11 @@ void build_section_header(block_buffer& block, std::string_view application) {
 }
 
 void build_interface_description(block_buffer& block, const pcapng_interface& described) {
-    block_writer writer(block, INTERFACE_DESCRIPTION);
+    block_writer writer(block, BLOCK_INTERFACE);
     writer.put(described.link_type);
     writer.put(std::uint16_t{0});  // reserved
     writer.put(described.snapshot_length);
+    writer.put_text_option(OPTION_COMMENT, described.comment);
     writer.put_text_option(INTERFACE_NAME, described.name);
     writer.put_text_option(INTERFACE_DESCRIPTION_TEXT, described.description);
     writer.put_option(INTERFACE_TIME_RESOLUTION, MILLISECONDS);
@@ -122,7 +103,7 @@ void build_interface_description(block_buffer& block, const pcapng_interface& de
 }
 
 void build_enhanced_packet(block_buffer& block, const pcapng_packet& packet) {
-    block_writer writer(block, ENHANCED_PACKET);
+    block_writer writer(block, BLOCK_ENHANCED_PACKET);
     writer.put(packet.interface_id);
     writer.put_time(packet.time_ms);
     writer.put(static_cast<std::uint32_t>(packet.prefix.size() + packet.data.size()));
@@ -135,11 +116,14 @@ void build_enhanced_packet(block_buffer& block, const pcapng_packet& packet) {
     if (packet.lost != 0) {
         writer.put_option(PACKET_DROP_COUNT, packet.lost);
     }
+    if (packet.id) {
+        writer.put_option(PACKET_ID, *packet.id);
+    }
     writer.finish();
 }
 
 void build_interface_statistics(block_buffer& block, const pcapng_statistics& counts) {
-    block_writer writer(block, INTERFACE_STATISTICS);
+    block_writer writer(block, BLOCK_STATISTICS);
     writer.put(counts.interface_id);
     writer.put_time(counts.time_ms);
     writer.put_option(STATISTICS_RECEIVED, counts.received);
@@ -147,4 +131,4 @@ void build_interface_statistics(block_buffer& block, const pcapng_statistics& co
     writer.finish();
 }
 
-}  // namespace ifwatch::extcap
+}  // namespace ifwatch::capture

@@ -1,29 +1,20 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace ifwatch::extcap {
+#include "capture/pcapng_blocks.h"
 
-// Blocks of the pcapng file format (draft-ietf-opsawg-pcapng), in the byte order of this machine:
-//
-//     +------+--------------+------+---------+--------------+
-//     | type | total length | body | options | total length |     each part padded to a multiple of 4 octets
-//     +------+--------------+------+---------+--------------+
-//
-// Every function below replaces what `block` holds by one whole block. A buffer that is used again and again soon needs
-// no more memory.
+namespace ifwatch::capture {
+
+// Writes blocks as pcapng_blocks.h describes them, in the byte order of this machine. Every function below replaces
+// what `block` holds by one whole block. A buffer that is used again and again soon needs no more memory.
 
 using block_buffer = std::vector<std::uint8_t>;
-
-// Bits of a packet's flags word.
-inline constexpr std::uint32_t PACKET_INBOUND = 1;
-inline constexpr std::uint32_t PACKET_OUTBOUND = 2;
-inline constexpr std::uint32_t PACKET_CRC_ERROR = 1U << 24;
-inline constexpr std::uint32_t PACKET_UNALIGNED = 1U << 28;
 
 /// The interface that packets come from. Empty texts are left out. Its time stamps are in milliseconds.
 struct pcapng_interface {
@@ -32,6 +23,7 @@ struct pcapng_interface {
     std::string name;
     std::string description;
     std::string filter;
+    std::string comment;
 };
 
 struct pcapng_packet {
@@ -42,6 +34,7 @@ struct pcapng_packet {
     std::uint32_t original_length = 0;  // with the prefix
     std::uint32_t flags = 0;
     std::uint64_t lost = 0;  // packets between the one before and this; 0 is left out
+    std::optional<std::uint64_t> id;
     std::string_view comment;
 };
 
@@ -59,4 +52,4 @@ void build_interface_description(block_buffer& block, const pcapng_interface& de
 void build_enhanced_packet(block_buffer& block, const pcapng_packet& packet);
 void build_interface_statistics(block_buffer& block, const pcapng_statistics& counts);
 
-}  // namespace ifwatch::extcap
+}  // namespace ifwatch::capture

@@ -10,8 +10,10 @@
 #include <cstring>
 #include <span>
 
+#include "capture/own_capture.h"
+#include "capture/pcapng_writer.h"
+#include "capture/record_frame.h"
 #include "display/display_context.h"
-#include "extcap/pcapng.h"
 #include "extcap/stop.h"
 #include "extcap/time_line.h"
 #include "trace/ifc_types.h"
@@ -21,6 +23,8 @@
 namespace ifwatch::extcap {
 
 namespace {
+
+using namespace ifwatch::capture;
 
 constexpr int STATUS_MISTAKE = 2;
 
@@ -91,7 +95,8 @@ private:
                                              .name = "ifwatch-" + index + suffix,
                                              .description = "Interface " + index + " of " + options_.host + ": " +
                                                             ifc_type_entry(context_.channel_type).name + suffix,
-                                             .filter = options_.filter});
+                                             .filter = options_.filter,
+                                             .comment = interface_type_comment(context_.channel_type)});
         return write_block();
     }
 
@@ -146,6 +151,7 @@ private:
                                        .original_length = frame_.original_length,
                                        .flags = frame_.flags,
                                        .lost = lost_before_,
+                                       .id = frame_.id,
                                        .comment = frame_.comment.text()});
         lost_before_ = 0;
         return write_block();

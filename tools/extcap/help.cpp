@@ -51,7 +51,8 @@ Calls of the analyser:
   --extcap-cleanup-postkill
 
 A capture is pcapng. Each packet has its direction (inbound: received by the router) and the number of packets lost
-before it. Times begin with the wall clock when the first record arrives. The link type follows the interface:
+before it; its packet id and the interface's comment hold the rest of the router's record, so that it can be made of the
+packet again. Times begin with the wall clock when the first record arrives. The link type follows the interface:
   LAPD (203)            ISDN D-channels
   PPP (9)               PPP interfaces; B-channels, unless --bchannel names another kind
   exported PDU (252)    LAPB interfaces and B-channels, as "lapb"; PABX messages, as "q931", with the port and the number

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "extcap/link_layer.h"
+#include "extcap/bchannel_kinds.h"
 #include "trace/addinfo.h"
 
 namespace ifwatch::extcap {

@@ -2,7 +2,8 @@
 
 #include <iterator>
 
-#include "extcap/link_layer.h"
+#include "capture/link_types.h"
+#include "extcap/bchannel_kinds.h"
 #include "extcap/options.h"
 #include "trace/ifc_types.h"
 
@@ -40,22 +41,23 @@ constexpr int INTERFACE_FIELD = 2;
 constexpr int BCHANNEL_FIELD = 4;
 
 struct link_type_name {
-    link_type type;
+    capture::known_link_type type;
     const char* name;
     const char* title;
 };
 
 constexpr link_type_name LINK_TYPE_NAMES[] = {
-    {LINK_LAPD, "LAPD", "ISDN D-channels: LAPD"},
-    {LINK_EXPORTED_PDU, "WIRESHARK_UPPER_PDU", "LAPB, PABX messages, ATM cells: each frame names its protocol"},
-    {LINK_PPP, "PPP", "PPP"},
-    {LINK_FRAME_RELAY, "FRELAY", "Frame Relay"},
-    {LINK_CISCO_HDLC, "C_HDLC", "Cisco HDLC"},
-    {LINK_RAW_IP, "RAW", "Tunnels: IP"},
-    {LINK_ETHERNET, "EN10MB", "LANs: Ethernet"},
-    {LINK_TOKEN_RING, "IEEE802_5", "LANs: Token Ring"},
-    {LINK_SUNATM, "SUNATM", "ATM: AAL5 frames with their VPI and VCI"},
-    {LINK_USER0, "USER0", "Raw frames"},
+    {capture::LINK_LAPD, "LAPD", "ISDN D-channels: LAPD"},
+    {capture::LINK_EXPORTED_PDU, "WIRESHARK_UPPER_PDU",
+     "LAPB, PABX messages, ATM cells: each frame names its protocol"},
+    {capture::LINK_PPP, "PPP", "PPP"},
+    {capture::LINK_FRAME_RELAY, "FRELAY", "Frame Relay"},
+    {capture::LINK_CISCO_HDLC, "C_HDLC", "Cisco HDLC"},
+    {capture::LINK_RAW_IP, "RAW", "Tunnels: IP"},
+    {capture::LINK_ETHERNET, "EN10MB", "LANs: Ethernet"},
+    {capture::LINK_TOKEN_RING, "IEEE802_5", "LANs: Token Ring"},
+    {capture::LINK_SUNATM, "SUNATM", "ATM: AAL5 frames with their VPI and VCI"},
+    {capture::LINK_USER0, "USER0", "Raw frames"},
 };
 
 std::string group(const char* key, const std::string& value) { return std::string("{") + key + "=" + value + "}"; }

@@ -1,7 +1,6 @@
 #include "sim/case_text.h"
 
 #include <algorithm>
-#include <span>
 
 #include "sim/text_parts.h"
 
@@ -31,8 +30,9 @@ void append_octet_lines(std::string& text, std::span<const std::uint8_t> octets)
     }
 }
 
-/// The keys of a record that do not have the value which they have when they are left out.
-void append_record(std::string& text, const case_record& record, std::uint32_t usual_sequence) {
+}  // namespace
+
+void append_record(std::string& text, const record_text& record, std::uint32_t usual_sequence) {
     const bool sent = (record.flags & 1) != 0;
     text += sent ? "record X " : "record R ";
     text += std::to_string(record.timestamp_ms);
@@ -54,8 +54,6 @@ void append_record(std::string& text, const case_record& record, std::uint32_t u
     append_octet_lines(text, record.data);
 }
 
-}  // namespace
-
 std::string case_text(const trace_case& written, std::string_view title) {
     std::string text = "# " + on_one_line(title) + "\nchannel " + std::to_string(written.channel_type) + "\n";
     if (written.interface_index) {
@@ -69,7 +67,14 @@ std::string case_text(const trace_case& written, std::string_view title) {
     }
     std::uint32_t usual_sequence = 1;
     for (const case_record& record : written.records) {
-        append_record(text, record, usual_sequence);
+        append_record(text,
+                      {.timestamp_ms = record.timestamp_ms,
+                       .flags = record.flags,
+                       .info = record.info,
+                       .sequence = record.sequence,
+                       .original_length = record.original_length,
+                       .data = record.data},
+                      usual_sequence);
         usual_sequence = record.sequence + 1;
     }
     return text;

@@ -1,17 +1,21 @@
 #include "sim/convert.h"
 
 #include <arpa/inet.h>
+#include <fcntl.h>
+#include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <limits>
 #include <span>
 #include <string_view>
 
-#include "sim/capture.h"
-#include "sim/case_text.h"
-#include "sim/filter.h"
-#include "sim/input_file.h"
+#include "capture/byte_stream.h"
+#include "sim/capture_export.h"
+#include "sim/capture_import.h"
 #include "sim/option_table.h"
 #include "sim/output_file.h"
+#include "sim/sent_text.h"
 #include "sim/text_parts.h"
 
 namespace ifwatch::sim {
@@ -51,20 +55,9 @@ bool set_viewer_options(const std::string& text, conversion& wanted) {
 }
 
 bool set_sent(const std::string& text, conversion& wanted) {
-    in_addr host{};
-    mac_address mac{};
-    if (text == "none") {
-        wanted.import.sent = sent_nothing{};
-    } else if (text == "all") {
-        wanted.import.sent = sent_everything{};
-    } else if (inet_pton(AF_INET, text.c_str(), &host) == 1) {
-        wanted.import.sent = std::uint32_t{ntohl(host.s_addr)};
-    } else if (parse_mac(text, mac)) {
-        wanted.import.sent = mac;
-    } else {
-        return false;
-    }
-    return true;
+    const auto rule = parse_sent_rule(text);
+    wanted.import.sent = rule.value_or(wanted.import.sent);
+    return rule.has_value();
 }
 
 bool set_start(const std::string& text, conversion& wanted) {
@@ -96,14 +89,15 @@ constexpr known_option<conversion> EXPORT_OPTIONS[] = {
 };
 
 constexpr char IMPORT_HELP[] =
-    R"(ifwatch-sim import: makes a case file of a PCAP file, so that ifwatch decodes it.
+    R"(ifwatch-sim import: makes a case file of a capture, so that ifwatch decodes it.
 
 Examples:
   ifwatch-sim import lan.pcap -o lan.case                    then: ifwatch-sim lan.case
   ifwatch-sim import lan.pcap -o lan.case --sent 192.0.2.1   what that host sent is shown as sent by the router
   ifwatch-sim import x.pcap --channel 0                      link type 0: the user knows that it is a D-channel
+  zcat lan.pcapng.gz | ifwatch-sim import -                  from the standard input
 
-Usage: ifwatch-sim import [OPTIONS] FILE.pcap
+Usage: ifwatch-sim import [OPTIONS] FILE
 
   -o, --output FILE      the case file; standard output otherwise
   -c, --channel TYPE     the channel type, instead of the one that fits the link type
@@ -113,15 +107,18 @@ Usage: ifwatch-sim import [OPTIONS] FILE.pcap
                          from a MAC or IPv4 address (Ethernet, Token Ring and IP captures)
       --start MS         the time stamp of the first packet (0); the others follow from it
 
-The file is a classic PCAP file in either byte order, with micro- or nanoseconds. Link types and channel types:
+The file is classic PCAP, in either byte order, with micro- or nanoseconds, or pcapng; it may have any size. A case is
+one interface: packets of several channel types are a mistake, unless ifwatch-extcap wrote them; then those of --channel
+are taken. Link types and channel types:
   1 Ethernet: 6                        177, 203 LAPD: 0
   6 Token Ring: 9                      100, 123 ATM: 3
   9, 50, 204 PPP: 1                    101, 228 IP: 131
   104, 205 Cisco HDLC: 1               107, 206 Frame Relay: 1
-  207 LAPB: 1                          any other: as --channel says
-The direction is in the file with 123, 177 and 204 to 207. Of a frame the first 8192 octets are kept.
+  207 LAPB: 1                          113, 276 Linux cooked: 6, with an Ethernet header made of theirs
+  any other: as --channel says
+The direction is in a pcapng file, or with 113, 123, 177, 204 to 207 and 276. Of a frame the first 8192 octets are kept.
 
-Exit status: 0, or 2 for a mistake on the command line or in the file; then nothing is written.
+Exit status: 0, or 2 for a mistake on the command line or in the file; then there is no case file.
 )";
 
 constexpr char EXPORT_HELP[] =
@@ -148,20 +145,39 @@ Records that are no frames (events of the line, single ATM cells) are left out, 
 Exit status: 0, or 2 for a mistake on the command line or in the file; then nothing is written.
 )";
 
-bool import_file(const std::string& path, const conversion& wanted, std::string& /*note*/, std::string& error) {
-    std::string file;
-    trace_case imported;
-    std::string title;
-    if (!read_input(path, file, error)) {
+/// Reads the capture from the descriptor and writes the case.
+bool import_from(int fd, const std::string& path, const conversion& wanted, std::string& note, std::string& error) {
+    capture::byte_stream stream(fd);
+    output_file output(wanted.output);
+    bool open = false;  // not before there is something to write
+    const auto write = [&](std::string_view part) {
+        open = open || output.open(error);
+        return open && output.write(part, error);
+    };
+    const std::string name = path == "-" ? "standard input" : path.substr(path.rfind('/') + 1);
+    const import_outcome outcome = import_capture(stream, wanted.import, name, write);
+    if (!outcome.error.empty()) {
+        error = (path == "-" ? name : path) + ": " + outcome.error;
+    }
+    if (outcome.left_out != 0) {
+        note = path + ": " + std::to_string(outcome.left_out) + " of " + std::to_string(outcome.packets) +
+               " packets left out, which are of other interfaces";
+    }
+    return outcome.done && output.finish(error);
+}
+
+bool import_file(const std::string& path, const conversion& wanted, std::string& note, std::string& error) {
+    if (path == "-") {
+        return import_from(STDIN_FILENO, path, wanted, note, error);
+    }
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        error = path + ": " + std::strerror(errno);
         return false;
     }
-    const std::span octets(reinterpret_cast<const std::uint8_t*>(file.data()), file.size());
-    if (!import_capture(octets, wanted.import, imported, title, error)) {
-        error = path + ": " + error;
-        return false;
-    }
-    const std::string name = path.substr(path.rfind('/') + 1);
-    return write_output(wanted.output, case_text(imported, name + ": " + title), error);
+    const bool done = import_from(fd, path, wanted, note, error);
+    close(fd);
+    return done;
 }
 
 bool export_file(const std::string& path, const conversion& wanted, std::string& note, std::string& error) {

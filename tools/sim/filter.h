@@ -7,9 +7,12 @@
 #include <string_view>
 #include <vector>
 
-#include "sim/frame_fields.h"
+#include "capture/frame_fields.h"
 
 namespace ifwatch::sim {
+
+using capture::frame_fields;
+using capture::mac_address;
 
 /// A filter as it comes in the FILTER section: its kind letter and its text.
 struct filter_entry {

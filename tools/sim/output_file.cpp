@@ -26,53 +26,58 @@ bool write_whole(int fd, std::string_view text) {
     return true;
 }
 
-bool write_and_close(int fd, std::string_view text) {
-    const bool written = write_whole(fd, text);
-    const int reason = errno;
-    const bool closed = close(fd) == 0;
-    errno = written ? errno : reason;
-    return written && closed;
-}
-
 bool is_special(const std::string& path) {
     struct stat entry {};
     return stat(path.c_str(), &entry) == 0 && !S_ISREG(entry.st_mode);
 }
 
-bool write_in_place(const std::string& path, std::string_view text) {
-    const int fd = open(path.c_str(), O_WRONLY | O_CLOEXEC);
-    return fd >= 0 && write_and_close(fd, text);
+}  // namespace
+
+output_file::~output_file() {
+    if (fd_ >= 0 && fd_ != STDOUT_FILENO) {
+        close(fd_);
+    }
+    if (!unfinished_.empty()) {
+        unlink(unfinished_.c_str());
+    }
 }
 
-/// Writes a file beside the path and gives it the name when it is complete.
-bool write_beside(const std::string& path, std::string_view text) {
-    const std::string unfinished = path + ".new-" + std::to_string(getpid());
-    const int fd = open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, FILE_MODE);
-    if (fd < 0) {
-        return false;
-    }
-    if (write_and_close(fd, text) && std::rename(unfinished.c_str(), path.c_str()) == 0) {
-        return true;
-    }
-    const int reason = errno;
-    unlink(unfinished.c_str());
-    errno = reason;
+bool output_file::fail(std::string& error) const {
+    error = (path_.empty() ? "standard output" : path_) + ": " + std::strerror(errno);
     return false;
 }
 
-}  // namespace
+bool output_file::open(std::string& error) {
+    if (path_.empty()) {
+        fd_ = STDOUT_FILENO;
+    } else if (is_special(path_)) {
+        fd_ = ::open(path_.c_str(), O_WRONLY | O_CLOEXEC);
+    } else {
+        const std::string beside = path_ + ".new-" + std::to_string(getpid());
+        fd_ = ::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, FILE_MODE);
+        unfinished_ = fd_ >= 0 ? beside : "";
+    }
+    return fd_ >= 0 || fail(error);
+}
+
+bool output_file::write(std::string_view part, std::string& error) { return write_whole(fd_, part) || fail(error); }
+
+bool output_file::finish(std::string& error) {
+    const int fd = fd_;
+    fd_ = -1;
+    if (fd != STDOUT_FILENO && close(fd) != 0) {
+        return fail(error);
+    }
+    if (!unfinished_.empty() && std::rename(unfinished_.c_str(), path_.c_str()) != 0) {
+        return fail(error);
+    }
+    unfinished_.clear();
+    return true;
+}
 
 bool write_output(const std::string& path, std::string_view text, std::string& error) {
-    bool written = false;
-    if (path.empty()) {
-        written = write_whole(STDOUT_FILENO, text);
-    } else {
-        written = is_special(path) ? write_in_place(path, text) : write_beside(path, text);
-    }
-    if (!written) {
-        error = (path.empty() ? "standard output" : path) + ": " + std::strerror(errno);
-    }
-    return written;
+    output_file file(path);
+    return file.open(error) && file.write(text, error) && file.finish(error);
 }
 
 bool write_output(const std::string& path, std::span<const std::uint8_t> octets, std::string& error) {

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "sim/channel_types.h"
+#include "capture/channel_types.h"
 #include "sim/record_source.h"
 #include "trace/element.h"
 
@@ -140,10 +140,10 @@ bool record_sender::flush() {
 
 bool selects(const record_selection& selection, const case_record& record) {
     const int channel_type = selection.source.channel_type;
-    if (channel_type == CHANNEL_ATM || channel_type == CHANNEL_ATM_OLD) {
+    if (channel_type == capture::CHANNEL_ATM || channel_type == capture::CHANNEL_ATM_OLD) {
         return selects_atm(selection, record);
     }
-    const auto fields = read_frame_fields(channel_type, record.data);
+    const auto fields = capture::read_frame_fields(channel_type, record.data);
     return !fields || passes(selection.filter, *fields);
 }
 

@@ -53,7 +53,8 @@ std::string label_of(std::string_view name, int channel_type) {
     if (name.empty()) {
         return ifc_type_entry(channel_type).name;
     }
-    return (channel_type == CHANNEL_DCHANNEL ? "line " : "") + foreign_name(name);
+    const bool is_number = name[0] >= '0' && name[0] <= '9';
+    return (channel_type == CHANNEL_DCHANNEL && is_number ? "line " : "") + foreign_name(name);
 }
 
 /// The sections of one protocol, an interface each.

@@ -1,13 +1,14 @@
 #pragma once
 
-namespace ifwatch::sim {
+namespace ifwatch::capture {
 
-// The channel types that the simulator treats each in its own way.
+// The channel types that are treated each in its own way.
 inline constexpr int CHANNEL_PABX = -2;
 inline constexpr int CHANNEL_D = 0;
 inline constexpr int CHANNEL_B = 1;
 inline constexpr int CHANNEL_ATM_OLD = 2;
 inline constexpr int CHANNEL_ATM = 3;
+inline constexpr int CHANNEL_WLAN = 4;
 inline constexpr int CHANNEL_IP_OVER_X25 = 5;
 inline constexpr int CHANNEL_LAN = 6;
 inline constexpr int CHANNEL_LAN_802_3 = 7;
@@ -20,4 +21,4 @@ inline constexpr int CHANNEL_HDLC = 118;
 inline constexpr int CHANNEL_TUNNEL = 131;
 inline constexpr int CHANNEL_BRIDGED_LAN = 135;
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::capture

@@ -1,4 +1,4 @@
-#include "extcap/link_layer.h"
+#include "capture/record_frame.h"
 
 #include <gtest/gtest.h>
 
@@ -6,13 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "capture/pcapng_writer.h"
 #include "display/display_context.h"
-#include "extcap/pcapng.h"
 
-namespace ifwatch::extcap {
+namespace ifwatch::capture {
 namespace {
 
 using octet_list = std::vector<std::uint8_t>;
+
+constexpr link_layer PPP_LINK = {LINK_PPP};
 
 /// A record and the packet that is made of it.
 struct framed_record {
@@ -28,7 +30,7 @@ struct framed_record {
         context.header = &header;
         context.payload = octets_of(payload);
         context.original_length = original != 0 ? original : static_cast<std::uint32_t>(payload.size());
-        made = make_frame(context, find_link_layer(channel_type, bchannel_kinds().front().link), frame);
+        made = make_frame(context, find_link_layer(channel_type, PPP_LINK), frame);
     }
 
     [[nodiscard]] octet_list packet() const {
@@ -49,11 +51,11 @@ record_header with(record_header header, std::uint32_t flags, std::uint32_t info
 
 struct interface_link {
     int channel_type;
-    link_type link;
+    known_link_type link;
     const char* dissector = "";
 };
 
-TEST(extcap_link_layer, of_every_interface_type) {
+TEST(link_layer, of_every_interface_type) {
     const interface_link wanted[] = {
         {-2, LINK_EXPORTED_PDU, "q931"},
         {0, LINK_LAPD},
@@ -78,18 +80,18 @@ TEST(extcap_link_layer, of_every_interface_type) {
         {-1, LINK_USER0},
     };
     for (const interface_link& row : wanted) {
-        const link_layer found = find_link_layer(row.channel_type, bchannel_kinds().front().link);
+        const link_layer found = find_link_layer(row.channel_type, PPP_LINK);
         EXPECT_EQ(found.type, row.link) << row.channel_type;
         EXPECT_EQ(std::string(found.dissector != nullptr ? found.dissector : ""), row.dissector) << row.channel_type;
     }
 }
 
-TEST(extcap_link_layer, of_a_b_channel_is_the_chosen_one) {
+TEST(link_layer, of_a_b_channel_is_the_chosen_one) {
     EXPECT_EQ(find_link_layer(1, {LINK_FRAME_RELAY}).type, LINK_FRAME_RELAY);
     EXPECT_EQ(find_link_layer(0, {LINK_FRAME_RELAY}).type, LINK_LAPD);
 }
 
-TEST(extcap_frame, keeps_octets_lengths_and_direction) {
+TEST(record_frame, keeps_octets_lengths_and_direction) {
     const framed_record lan(6, {1, 2, 3, 4}, SENT, 1514);
     ASSERT_TRUE(lan.made);
     EXPECT_EQ(lan.packet(), (octet_list{1, 2, 3, 4}));
@@ -99,7 +101,7 @@ TEST(extcap_frame, keeps_octets_lengths_and_direction) {
     EXPECT_EQ(framed_record(6, {1, 2, 3, 4}, RECEIVED).frame.flags, PACKET_INBOUND);
 }
 
-TEST(extcap_link_layer, tells_the_length_of_its_prefix) {
+TEST(link_layer, tells_the_length_of_its_prefix) {
     EXPECT_EQ(prefix_length({LINK_ETHERNET}), 0U);
     EXPECT_EQ(prefix_length(find_link_layer(131, {})), 0U);
     EXPECT_EQ(prefix_length({LINK_SUNATM}), 4U);
@@ -111,12 +113,12 @@ TEST(extcap_link_layer, tells_the_length_of_its_prefix) {
     EXPECT_EQ(cell.packet().size(), 36U + 6U);
 }
 
-TEST(extcap_frame, is_never_shorter_than_what_was_captured) {
+TEST(record_frame, is_never_shorter_than_what_was_captured) {
     const framed_record lan(6, {1, 2, 3, 4}, SENT, 3);
     EXPECT_EQ(lan.frame.original_length, 4U);
 }
 
-TEST(extcap_frame, of_lapb_names_its_dissector_and_direction) {
+TEST(record_frame, of_lapb_names_its_dissector_and_direction) {
     const framed_record lapb(16, {0x01, 0x3F}, RECEIVED);
     ASSERT_TRUE(lapb.made);
     EXPECT_EQ(lapb.packet(),
@@ -125,7 +127,7 @@ TEST(extcap_frame, of_lapb_names_its_dissector_and_direction) {
     EXPECT_EQ(framed_record(16, {0x01, 0x3F}, SENT).packet()[15], 0);
 }
 
-TEST(extcap_frame, of_a_tunnel_loses_its_two_octets) {
+TEST(record_frame, of_a_tunnel_loses_its_two_octets) {
     const framed_record tunnel(131, {0x00, 0x21, 0x45, 0x00}, SENT, 100);
     ASSERT_TRUE(tunnel.made);
     EXPECT_EQ(tunnel.packet(), (octet_list{0x45, 0x00}));
@@ -133,7 +135,7 @@ TEST(extcap_frame, of_a_tunnel_loses_its_two_octets) {
     EXPECT_FALSE(framed_record(131, {0x00, 0x21}, SENT).made);
 }
 
-TEST(extcap_frame, of_the_pabx_has_port_and_call_as_a_comment) {
+TEST(record_frame, of_the_pabx_has_port_and_call_as_a_comment) {
     const framed_record pabx(-2, {2, 5, 0x34, 0x12, 0, 0, 0x08, 0x01}, RECEIVED);
     ASSERT_TRUE(pabx.made);
     EXPECT_EQ(pabx.packet(),
@@ -142,7 +144,7 @@ TEST(extcap_frame, of_the_pabx_has_port_and_call_as_a_comment) {
     EXPECT_FALSE(framed_record(-2, {2, 5, 0x34, 0x12, 0, 0}, RECEIVED).made);
 }
 
-TEST(extcap_frame, of_a_wlan_card_has_the_object_as_a_comment) {
+TEST(record_frame, of_a_wlan_card_has_the_object_as_a_comment) {
     EXPECT_EQ(framed_record(4, {0x10, 0, 0, 2, 0, 0, 0, 0x22, 4}, SENT).frame.comment.text(),
               "set request: DOT11_OID_SSID");
     EXPECT_EQ(framed_record(4, {0, 0, 0, 0, 0, 0, 0, 0}, SENT).frame.comment.text(), "get request: GEN_OID_MACADDRESS");
@@ -150,7 +152,7 @@ TEST(extcap_frame, of_a_wlan_card_has_the_object_as_a_comment) {
               "receive: GEN_OID_MACADDRESS");
 }
 
-TEST(extcap_frame, of_aal5_begins_with_vpi_and_vci) {
+TEST(record_frame, of_aal5_begins_with_vpi_and_vci) {
     const octet_list llc = {0xAA, 0xAA, 0x03, 0, 0, 0};
     const framed_record atm(3, llc, with(SENT, 0, 0x01002000), 60);
     ASSERT_TRUE(atm.made);
@@ -164,12 +166,12 @@ TEST(extcap_frame, of_aal5_begins_with_vpi_and_vci) {
         << "multiplexed by its circuit";
 }
 
-TEST(extcap_frame, of_old_atm_may_have_any_access_point) {
+TEST(record_frame, of_old_atm_may_have_any_access_point) {
     EXPECT_EQ(framed_record(2, {0x45, 0x00}, with(RECEIVED, 0, 0x01002005)).packet(),
               (octet_list{0x00, 1, 0, 32, 0x45, 0x00}));
 }
 
-TEST(extcap_frame, of_a_user_data_cell_takes_its_address_from_the_cell_header) {
+TEST(record_frame, of_a_user_data_cell_takes_its_address_from_the_cell_header) {
     // GFC 3, VPI 8, VCI 35, PTI 1
     const framed_record cell(3, {0x32, 0x02, 0x80, 0x30, 0xAA, 0xAA, 0x03}, with(RECEIVED, 0x80, 0));
     ASSERT_TRUE(cell.made);
@@ -177,7 +179,7 @@ TEST(extcap_frame, of_a_user_data_cell_takes_its_address_from_the_cell_header) {
     EXPECT_EQ(cell.packet(), (octet_list{0x02, 8, 0, 35, 0xAA, 0xAA, 0x03}));
 }
 
-TEST(extcap_frame, of_another_cell_keeps_the_cell) {
+TEST(record_frame, of_another_cell_keeps_the_cell) {
     octet_list tags = {0, 12, 0, 20};
     const std::string dissector("mpls_pw_atm_n1_nocw\0", 20);
     tags.insert(tags.end(), dissector.begin(), dissector.end());
@@ -199,19 +201,19 @@ TEST(extcap_frame, of_another_cell_keeps_the_cell) {
     EXPECT_EQ(cell_link_layer().type, LINK_EXPORTED_PDU);
 }
 
-TEST(extcap_frame, is_not_made_of_a_cell_that_ends_in_its_header) {
+TEST(record_frame, is_not_made_of_a_cell_that_ends_in_its_header) {
     EXPECT_FALSE(framed_record(3, {0x0A, 2, 0x10, 0}, with(RECEIVED, 0x80, 0)).made);
     EXPECT_FALSE(framed_record(3, {0x0A}, with(RECEIVED, 0x80, 0)).made);
 }
 
-TEST(extcap_frame, is_not_made_of_an_event_or_an_empty_record) {
+TEST(record_frame, is_not_made_of_an_event_or_an_empty_record) {
     for (const std::uint32_t event : std::initializer_list<std::uint32_t>{1, 2, 7, 8, 255}) {
         EXPECT_FALSE(framed_record(0, {2, 1, 0x7F}, with(RECEIVED, 0, event)).made) << event;
     }
     EXPECT_FALSE(framed_record(0, {}, RECEIVED).made);
 }
 
-TEST(extcap_frame, with_a_line_error_is_marked) {
+TEST(record_frame, with_a_line_error_is_marked) {
     const framed_record crc(0, {2, 1, 0x7F}, with(RECEIVED, 0, 4));
     ASSERT_TRUE(crc.made);
     EXPECT_EQ(crc.frame.flags, PACKET_INBOUND | PACKET_CRC_ERROR);
@@ -224,7 +226,7 @@ TEST(extcap_frame, with_a_line_error_is_marked) {
     EXPECT_FALSE(framed_record(0, {}, with(RECEIVED, 0, 4)).made);
 }
 
-TEST(extcap_frame, is_begun_afresh_with_every_record) {
+TEST(record_frame, is_begun_afresh_with_every_record) {
     framed_record first(-2, {2, 5, 0x34, 0x12, 0, 0, 0x08, 0x01}, with(SENT, 0, 4));
     const framed_record second(6, {1, 2}, RECEIVED);
     ASSERT_TRUE(make_frame(second.context, {LINK_ETHERNET}, first.frame));
@@ -234,4 +236,4 @@ TEST(extcap_frame, is_begun_afresh_with_every_record) {
 }
 
 }  // namespace
-}  // namespace ifwatch::extcap
+}  // namespace ifwatch::capture

@@ -1,13 +1,17 @@
-#include "sim/capture.h"
+#include "sim/capture_import.h"
 
 #include <gtest/gtest.h>
 
+#include "capture/link_types.h"
+#include "sim/capture_export.h"
 #include "sim/case_text.h"
-#include "sim/link_types.h"
+#include "support/octet_file.h"
 #include "support/pcap_octets.h"
 
 namespace ifwatch::sim {
 namespace {
+
+using namespace capture;
 
 using octet_vector = std::vector<std::uint8_t>;
 using test::pcap_octets;
@@ -19,11 +23,27 @@ const octet_vector FRAME = {0x02, 0x00, 0x02, 0x05, 0x0A, 0x10, 0x02, 0x00, 0x01
 constexpr mac_address ROUTER_MAC = {0x02, 0x00, 0x01, 0x01, 0x02, 0x03};
 constexpr std::uint32_t ROUTER_IP = 0xC0000201;
 
+/// The text of a capture's case, and what came of it.
+struct imported_text {
+    std::string text;
+    import_outcome outcome;
+
+    imported_text(std::span<const std::uint8_t> file, const import_settings& settings) {
+        const test::octet_file input(file);
+        byte_stream stream(input.fd());
+        outcome = import_capture(stream, settings, "x", [this](std::string_view part) {
+            text += part;
+            return true;
+        });
+    }
+};
+
 trace_case imported(const pcap_octets& file, const import_settings& settings = {}) {
+    const imported_text got(file.octets(), settings);
+    EXPECT_TRUE(got.outcome.done) << got.outcome.error;
     trace_case result;
-    std::string title;
     std::string error;
-    EXPECT_TRUE(import_capture(file.octets(), settings, result, title, error)) << error;
+    EXPECT_TRUE(parse_case(got.text, result, error)) << error;
     return result;
 }
 
@@ -34,11 +54,9 @@ case_record imported_packet(std::uint32_t link_type, const octet_vector& packet,
 }
 
 std::string import_error(const pcap_octets& file, const import_settings& settings = {}) {
-    trace_case result;
-    std::string title;
-    std::string error;
-    EXPECT_FALSE(import_capture(file.octets(), settings, result, title, error));
-    return error;
+    const imported_text got(file.octets(), settings);
+    EXPECT_FALSE(got.outcome.done);
+    return got.outcome.error;
 }
 
 /// What the file of an exported record holds behind the file header.
@@ -85,20 +103,16 @@ TEST(import_capture, channel_type_and_options_can_be_told) {
     EXPECT_EQ(imported(pcap_octets().header(1), {.channel_type = 7}).options, std::vector<std::string>{"-2 -p -i -N"});
     EXPECT_EQ(imported(pcap_octets().header(147), {.channel_type = -2}).options, std::vector<std::string>{"-3"});
     EXPECT_EQ(imported(pcap_octets().header(107), {.channel_type = 32}).options, std::vector<std::string>{"-h"});
-    EXPECT_EQ(import_error(pcap_octets().header(147)),
-              "offset 20: link type 147 fits no channel type; name one with --channel");
-    EXPECT_EQ(import_error(pcap_octets().header(0)),
-              "offset 20: link type 0 fits no channel type; name one with --channel");
+    EXPECT_EQ(import_error(pcap_octets().header(147)), "link type 147 fits no channel type; name one with --channel");
+    EXPECT_EQ(import_error(pcap_octets().header(0)), "link type 0 fits no channel type; name one with --channel");
 }
 
 TEST(import_capture, says_what_it_read) {
-    trace_case result;
-    std::string title;
-    std::string error;
-    ASSERT_TRUE(import_capture(pcap_octets().header(1).packet(0, 0, FRAME).octets(), {}, result, title, error));
-    EXPECT_EQ(title, "1 packet of link type 1 (Ethernet)");
-    ASSERT_TRUE(import_capture(pcap_octets().header(147).octets(), {.channel_type = 0}, result, title, error));
-    EXPECT_EQ(title, "0 packets of link type 147");
+    const std::string one = imported_text(pcap_octets().header(1).packet(0, 0, FRAME).octets(), {}).text;
+    EXPECT_TRUE(one.starts_with("# x: link type 1 (Ethernet)\nchannel 6\noptions -2 -p -i -N\nrecord R 0\n")) << one;
+    EXPECT_TRUE(one.ends_with("\n# 1 packet\n")) << one;
+    EXPECT_EQ(imported_text(pcap_octets().header(147).octets(), {.channel_type = 0}).text,
+              "# x: link type 147\nchannel 0\noptions -2 -3\n# 0 packets\n");
 }
 
 TEST(import_capture, time_stamps_count_from_the_first_packet) {

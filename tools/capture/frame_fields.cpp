@@ -1,12 +1,12 @@
-#include "sim/frame_fields.h"
+#include "capture/frame_fields.h"
 
 #include <algorithm>
 #include <cstddef>
 
-#include "sim/channel_types.h"
+#include "capture/channel_types.h"
 #include "trace/element.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::capture {
 
 namespace {
 
@@ -107,4 +107,4 @@ std::optional<frame_fields> read_frame_fields(int channel_type, std::span<const 
     return std::nullopt;
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::capture

@@ -5,7 +5,7 @@
 #include <optional>
 #include <span>
 
-namespace ifwatch::sim {
+namespace ifwatch::capture {
 
 using mac_address = std::array<std::uint8_t, 6>;
 
@@ -36,4 +36,4 @@ struct frame_fields {
 /// frame is too short for stays absent.
 std::optional<frame_fields> read_frame_fields(int channel_type, std::span<const std::uint8_t> frame);
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::capture
