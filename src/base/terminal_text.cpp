@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "base/descriptor_buffer.h"
+#include "base/names.h"
+#include "base/number_text.h"
 
 namespace ifwatch {
 
@@ -10,14 +12,13 @@ namespace {
 
 constexpr std::size_t PIECE = 4096;
 
-bool acts_on_no_terminal(char character) {
-    return (character >= ' ' && character <= '~') || character == '\n' || character == '\t';
+bool stays(char character) {
+    return is_printable(static_cast<unsigned char>(character)) || character == '\n' || character == '\t';
 }
 
 void put_escaped(text_sink& sink, char character) {
-    constexpr char DIGITS[] = "0123456789abcdef";
     const auto octet = static_cast<unsigned char>(character);
-    const char form[] = {'\\', 'x', DIGITS[octet >> 4], DIGITS[octet & 0xF]};
+    const char form[] = {'\\', 'x', hex_digits(false)[octet >> 4], hex_digits(false)[octet & 0xF]};
     put(sink, std::string_view(form, sizeof form));
 }
 
@@ -25,10 +26,10 @@ void put_escaped(text_sink& sink, char character) {
 
 void put_terminal_text(text_sink& sink, std::string_view text) {
     while (!text.empty()) {
-        const auto* const harmful = std::find_if_not(text.begin(), text.end(), acts_on_no_terminal);
-        const auto harmless = static_cast<std::size_t>(harmful - text.begin());
-        put(sink, text.substr(0, harmless));
-        text.remove_prefix(harmless);
+        const auto* const end = std::find_if_not(text.begin(), text.end(), stays);
+        const auto unchanged = static_cast<std::size_t>(end - text.begin());
+        put(sink, text.substr(0, unchanged));
+        text.remove_prefix(unchanged);
         if (!text.empty()) {
             put_escaped(sink, text.front());
             text.remove_prefix(1);

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "base/print.h"
 #include "sim/capture.h"
 #include "sim/case_file.h"
 #include "sim/record_source.h"
@@ -157,7 +158,7 @@ bool write_seeds(const std::filesystem::path& directory, const std::filesystem::
     trace_case trace;
     std::string error;
     if (!sim::read_case_file(path.string(), trace, error)) {
-        std::fprintf(stderr, "%s\n", error.c_str());
+        write_errors(error + "\n");
         return false;
     }
     const seed_place place{directory, path.parent_path().filename().string() + "-" + path.stem().string()};

@@ -24,7 +24,7 @@ void number_record(traced_line& line, std::uint64_t lost, capture::packet_record
 
 }  // namespace
 
-capture_records::capture_records(int fd, void (*before_read)(), const read_options& options, shown_counts& counts)
+capture_records::capture_records(int fd, bool (*before_read)(), const read_options& options, shown_counts& counts)
     : options_(options),
       counts_(counts),
       stream_(fd, before_read),
@@ -46,6 +46,7 @@ traced_line* capture_records::next() {
             continue;
         }
         traced_line& line = lines_.line_of(from, packet_, reader_);
+        line.context.zero_is_time = line.begun && !clock_.routers_own;
         number_record(line, packet_.lost, record_);
         make_current(line);
         return &line;

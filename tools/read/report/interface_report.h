@@ -39,7 +39,8 @@ enum class channel_content : std::uint8_t { UNKNOWN, PPP, LAPB };
 
 /// One interface of the report: who it is, and what each tracker knows of it.
 struct interface_report {
-    std::string name;  // as the capture has it; may be empty
+    std::string name;    // as the capture has it; may be empty
+    std::string router;  // likewise
     int channel_type = 0;
     std::uint32_t mode_flags = 0;  // as the decoders have them
     journal about;

@@ -225,25 +225,19 @@ bool take_lapb_frame(interface_report& to, const frame& what) {
     return true;
 }
 
-/// A frame that may be put together from slices, as the options or the frames before it say what it is.
+/// A frame that may be put together from slices: what it is, its own octets tell or those before it; else the options.
 bool take_channel_frame(interface_report& to, const frame& what) {
     constexpr std::uint32_t link_layers = MODE_LAYER2 | MODE_LAYER3 | MODE_EFT;
+    if (const channel_content told = content_of(what.data); told != channel_content::UNKNOWN) {
+        to.content = told;
+    }
     const bool asked_for_ppp = (to.mode_flags & (MODE_PPP | MODE_PPP_X75)) != 0 && (to.mode_flags & MODE_LAYER3) == 0;
-    if (to.content == channel_content::UNKNOWN) {
-        to.content = content_of(what.data);
-    }
-    if (asked_for_ppp) {
+    const bool unknown = to.content == channel_content::UNKNOWN;
+    if (to.content == channel_content::PPP || (unknown && asked_for_ppp)) {
         take_ppp_frame(to, what, 0);
         return true;
     }
-    if ((to.mode_flags & link_layers) != 0 || to.content == channel_content::LAPB) {
-        return take_lapb_frame(to, what);
-    }
-    if (to.content == channel_content::PPP) {
-        take_ppp_frame(to, what, 0);
-        return true;
-    }
-    return false;
+    return (!unknown || (to.mode_flags & link_layers) != 0) && take_lapb_frame(to, what);
 }
 
 /// A slice of an asynchronous stream: the frames that it completes.

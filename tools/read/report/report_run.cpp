@@ -81,12 +81,21 @@ void print_protocol(const protocol& about, const std::deque<interface_report>& i
 
 }  // namespace
 
-std::size_t report_run::begin_interface(std::string_view name, int channel_type, std::uint32_t mode_flags) {
+std::size_t report_run::begin_interface(std::string_view name, int channel_type, std::uint32_t mode_flags,
+                                        std::string_view router) {
+    const auto known = std::ranges::find_if(interfaces_, [&](const interface_report& one) {
+        return !router.empty() && one.router == router && one.name == foreign_name(name) &&
+               one.channel_type == channel_type;
+    });
+    if (known != interfaces_.end()) {
+        return static_cast<std::size_t>(known - interfaces_.begin());
+    }
     if (interfaces_.size() == MOST_INTERFACES) {
         return MOST_INTERFACES;
     }
     interface_report& added = interfaces_.emplace_back();
     added.name = foreign_name(name);
+    added.router = router;
     added.channel_type = channel_type;
     added.mode_flags = mode_flags;
     added.about.troubles = &troubles_;

@@ -22,9 +22,11 @@ public:
     static constexpr std::size_t MOST_INTERFACES = 256;
 
     /// An interface that records come from: its name, which may be empty, its type, and the mode flags that its
-    /// decoders would have, which tell what a B-channel carries. Returns its number. Interfaces behind the last of
+    /// decoders would have, which tell what a B-channel carries. With `router`, as whoever wrote the capture has noted
+    /// it, an interface goes on that is known by this name already. Returns its number. Interfaces behind the last of
     /// MOST_INTERFACES share one number, and are only counted.
-    std::size_t begin_interface(std::string_view name, int channel_type, std::uint32_t mode_flags);
+    std::size_t begin_interface(std::string_view name, int channel_type, std::uint32_t mode_flags,
+                                std::string_view router = {});
 
     /// Takes the current record of the context.
     void take(std::size_t interface_number, const display_context& context);

@@ -1,0 +1,138 @@
+// Every sample comes back: what ifwatch-read shows of a capture is what ifwatch showed live, but for what the format of
+// the capture has no room for. That is named here, as in the manual page, and nothing else may differ.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "sim/case_text.h"
+#include "support/process.h"
+#include "support/programs.h"
+#include "support/simulator.h"
+#include "support/temp_directory.h"
+
+namespace ifwatch::test {
+namespace {
+
+constexpr int ATM_OLD = 2;
+constexpr std::uint32_t EVENT_BITS = 0xFF;  // of the info word
+
+std::vector<std::string> all_samples() {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(SAMPLES_DIRECTORY)) {
+        if (entry.path().extension() == ".case") {
+            names.insert(entry.path().stem());
+        }
+    }
+    return {names.begin(), names.end()};
+}
+
+std::vector<std::string> words_of(const std::string& line) {
+    std::istringstream stream(line);
+    std::vector<std::string> words;
+    for (std::string word; stream >> word;) {
+        words.push_back(word);
+    }
+    return words;
+}
+
+std::vector<std::string> joined(std::vector<std::string> first, const std::vector<std::string>& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+class round_trip : public testing::TestWithParam<std::string> {
+protected:
+    void SetUp() override {
+        const std::string path = SAMPLES_DIRECTORY + std::string("/") + GetParam() + ".case";
+        std::string error;
+        ASSERT_TRUE(read_case_file(path, sample, error)) << error;
+        sample.interface_index = 1000;
+    }
+
+    /// What ifwatch-read shows of the capture, with the sample's options and more.
+    std::string shown(const std::vector<std::string>& options) {
+        const outcome got = run({IFWATCH_READ_PROGRAM, joined(options, {capture})});
+        EXPECT_EQ(got.status, 0) << got.errors;
+        return got.output;
+    }
+
+    static std::string live(const simulator& router, const std::vector<std::string>& options) {
+        const outcome got = router.watch(options);
+        EXPECT_EQ(got.status, 0) << got.errors;
+        return got.output;
+    }
+
+    [[nodiscard]] bool is_event(const sim::case_record& record) const {
+        return (record.info & EVENT_BITS) != 0 && sample.channel_type != ATM_OLD;
+    }
+
+    sim::trace_case sample;
+    temp_directory directory;
+    std::string capture = directory.file("capture");
+};
+
+/// The text without the lines of events that are about no frame: they have no length in brackets.
+std::string without_events(const std::string& text) {
+    std::istringstream stream(text);
+    std::string rest;
+    for (std::string line; std::getline(stream, line);) {
+        const bool begins_record = !line.empty() && line[0] >= '0' && line[0] <= '9';
+        if (!begins_record || line.find('[') != std::string::npos) {
+            rest += line + "\n";
+        }
+    }
+    return rest;
+}
+
+TEST_P(round_trip, of_a_capture_by_the_plug_in_has_all_but_events) {
+    const simulator router({case_text(sample, GetParam())});
+    ASSERT_TRUE(write_file(capture, ""));
+    const outcome plugged =
+        run({.program = IFWATCH_EXTCAP_PROGRAM,
+             .arguments = {"--capture", "--extcap-interface", "ifwatch", "--fifo", capture, "--host", "127.0.0.1",
+                           "--port", std::to_string(router.port()), "--interface", "1000", "--router-time"},
+             .environment = {{"TRACE_PWD", "admin"}}});
+    ASSERT_EQ(plugged.status, 0) << plugged.errors;
+    for (const std::string& options : sample.options) {
+        const std::vector<std::string> words = words_of(options);
+        const std::string shown_live = live(router, words);
+        EXPECT_EQ(shown(words), without_events(shown_live)) << options;
+        const bool has_events = std::ranges::any_of(
+            sample.records, [this](const auto& record) { return is_event(record) && record.data.empty(); });
+        EXPECT_EQ(has_events, shown_live != without_events(shown_live)) << options;
+    }
+}
+
+TEST_P(round_trip, of_classic_pcap_has_the_frames_and_their_times) {
+    const simulator original({case_text(sample, GetParam())});
+    live(original, {"--pcap-file", "--ofile=" + capture});
+    // No room for: directions, records without octets, events and SAP, VPI and VCI, marks of cells, sequence numbers.
+    std::erase_if(sample.records, [](const auto& record) { return record.data.empty(); });
+    std::uint32_t sequence = 0;
+    for (sim::case_record& record : sample.records) {
+        record.flags = 0;
+        record.info = 0;
+        record.sequence = ++sequence;
+    }
+    const simulator reduced({case_text(sample, GetParam())});
+    for (const std::string& options : sample.options) {
+        const std::vector<std::string> words = words_of(options);
+        EXPECT_EQ(shown(joined(words, {"--type", std::to_string(sample.channel_type)})), live(reduced, words))
+            << options;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(samples, round_trip, testing::ValuesIn(all_samples()), [](const auto& sample) {
+    std::string name = sample.param;
+    std::ranges::replace(name, '-', '_');
+    return name;
+});
+
+}  // namespace
+}  // namespace ifwatch::test
