@@ -1,7 +1,8 @@
 #include "read/report/call_message.h"
 
-#include <algorithm>
+#include <array>
 
+#include "base/number_text.h"
 #include "isdn/bearer_capability.h"
 #include "isdn/call_reference.h"
 #include "isdn/cause.h"
@@ -29,33 +30,30 @@ constexpr int SHIFT = 0x90;
 constexpr int NON_LOCKING = 0x08;
 constexpr int LAST_OF_GROUP = 0x80;
 
-constexpr int MOST_DIGITS = 24;
-
-std::string digits(octets element, int offset) {
-    return foreign_text(
-        element.at(offset, element.length - offset).cut(std::min(element.length - offset, MOST_DIGITS)));
-}
+octets behind(octets element, int offset) { return element.at(offset, element.length - offset); }
 
 /// The digits of a number, behind the octets of type, presentation and reason.
-std::string number(octets element) {
+octets number(octets element) {
     int offset = 2;
     while (offset < element.length && (element[offset] & LAST_OF_GROUP) == 0) {
         ++offset;
     }
-    return digits(element, offset + 1);
+    return behind(element, offset + 1);
 }
 
 /// A subaddress: an NSAP as characters, any other as hexadecimal digits.
-std::string subaddress(octets element) {
+void read_subaddress(octets element, short_text& to) {
     constexpr int nsap = 0;
     if ((element[2] >> 4 & 7) == nsap) {
-        return digits(element, 3);
+        to.append(behind(element, 3));
+        return;
     }
-    text_buffer<MOST_DIGITS> text;
     for (const std::uint8_t octet : element.run(3, element.length - 3)) {
-        print_to<"%02x">(text, octet);
+        const char* const digits = hex_digits(false);
+        std::array<std::uint8_t, 2> pair{static_cast<std::uint8_t>(digits[octet >> 4]),
+                                         static_cast<std::uint8_t>(digits[octet & 0x0F])};
+        to.append(octets_of(pair));
     }
-    return std::string(text.text());
 }
 
 /// The B-channel that the element selects, 0: none, as far as it tells one (ITU-T Q.931 clause 4.5.13).
@@ -92,19 +90,19 @@ void read_element(octets element, call_message& message) {
             message.channel = selected_channel(element);
             break;
         case ELEMENT_KEYPAD:
-            message.called += digits(element, 2);
+            message.called.append(behind(element, 2));
             break;
         case ELEMENT_CALLING:
-            message.calling = number(element);
+            message.calling.append(number(element));
             break;
         case ELEMENT_CALLING_SUBADDRESS:
-            message.calling_subaddress = subaddress(element);
+            read_subaddress(element, message.calling_subaddress);
             break;
         case ELEMENT_CALLED:
-            message.called += number(element);
+            message.called.append(number(element));
             break;
         case ELEMENT_CALLED_SUBADDRESS:
-            message.called_subaddress = subaddress(element);
+            read_subaddress(element, message.called_subaddress);
             break;
         case ELEMENT_LOW_LAYER:
             message.layer2 = layer2_protocol_name(element);

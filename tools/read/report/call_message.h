@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 
 #include "base/names.h"
 #include "base/octets.h"
+#include "read/report/page.h"
 
 namespace ifwatch::reporting {
 
@@ -22,7 +22,7 @@ inline constexpr int MESSAGE_RELEASE_COMPLETE = 0x5A;
 inline constexpr int NO_CHANNEL = -1;
 inline constexpr int NO_CAUSE = 0;
 
-/// What one signalling message says of its call. Texts are fit for a row, and empty where it has none.
+/// What one signalling message says of its call. Texts are empty where it has none.
 struct call_message {
     bool of_call = false;  // else the rest says nothing: another discriminator, the dummy or the global call reference
     int variant = 0;       // as information_element.h has them
@@ -30,10 +30,10 @@ struct call_message {
     bool from_destination = false;  // not by the side that began the call
     int type = 0;
 
-    std::string calling;
-    std::string called;  // digits, those of a keypad included
-    std::string calling_subaddress;
-    std::string called_subaddress;
+    short_text calling;
+    short_text called;  // digits, those of a keypad included
+    short_text calling_subaddress;
+    short_text called_subaddress;
     table_text bearer;
     table_text high_layer;
     table_text layer2;

@@ -88,13 +88,16 @@ const char* clearer(const call_record& call, const journal& about) {
     return by_network ? "the network" : "the other side";
 }
 
-void put_number(text_sink& out, const std::string& number, const std::string& subaddress) {
+void put_number(text_sink& out, const short_text& number, const short_text& subaddress) {
     if (number.empty() && subaddress.empty()) {
         put(out, "a number not told");
         return;
     }
-    const char* const between = number.empty() ? "subaddress " : " subaddress ";
-    print_to<"%s%s%s">(out, number, subaddress.empty() ? "" : between, subaddress);
+    number.put_to(out);
+    if (!subaddress.empty()) {
+        put(out, number.empty() ? "subaddress " : " subaddress ");
+        subaddress.put_to(out);
+    }
 }
 
 void put_service(text_sink& out, const call_message& told) {

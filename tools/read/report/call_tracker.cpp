@@ -12,7 +12,7 @@ namespace {
 
 /// Takes over what a message says, where it says something.
 void merge(call_message& told, const call_message& message) {
-    const auto take_text = [](std::string& to, const std::string& from) {
+    const auto take_text = [](short_text& to, const short_text& from) {
         if (!from.empty()) {
             to = from;
         }
@@ -25,9 +25,8 @@ void merge(call_message& told, const call_message& message) {
     told.layer2 = message.layer2 ? message.layer2 : told.layer2;
     told.channel = message.channel != NO_CHANNEL ? message.channel : told.channel;
     // Digits that are dialled later come one by one.
-    constexpr std::size_t most_text = 64;
-    if (!message.from_destination && told.called.size() < most_text) {
-        told.called += message.called;
+    if (!message.from_destination) {
+        told.called.append(message.called);
     }
 }
 
@@ -150,7 +149,8 @@ bool take_call_message(call_tracker& tracker, const journal& about, const frame&
     }
     const bool by_user = carrier.from_user != message.from_destination;
     // A call that comes from the network may be offered to several terminals: it is not of one link.
-    const call_key key{by_user || carrier.port != 0 ? carrier.link : 0, carrier.port, message.reference, by_user};
+    const call_key key{by_user || carrier.port != 0 ? carrier.link : 0, carrier.port, message.reference,
+                       by_user ? 1 : 0};
     call_record* const call = tracker.calls.find(key);
     const bool is_setup = message.type == MESSAGE_SETUP && !message.from_destination;
     if (call != nullptr && is_setup && !call->answered && !call->cleared) {

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <optional>
-#include <string>
 
 #include "read/report/call_message.h"
 #include "read/report/journal.h"
@@ -16,9 +14,9 @@ struct call_key {
     std::uint32_t link = 0;  // a TEI; of the PABX its own number of the call
     std::uint32_t port = 0;  // of the PABX
     std::int32_t reference = 0;
-    bool by_user = false;  // the user's side of the interface began it
+    std::int32_t by_user = 0;  // 1: the user's side of the interface began it
 
-    [[nodiscard]] constexpr auto operator<=>(const call_key&) const = default;
+    [[nodiscard]] constexpr bool operator==(const call_key&) const = default;
 };
 
 /// How a message of a call came.

@@ -16,6 +16,18 @@ constexpr std::uint32_t HOUR = 60 * MINUTE;
 
 constexpr std::size_t LINE_WIDTH = 80;  // of a text, behind its place
 
+void put_foreign(text_sink& out, std::string_view text, bool goes_on) {
+    for (const char character : text) {
+        const auto octet = static_cast<std::uint8_t>(character);
+        if (is_printable(octet)) {
+            put(out, character);
+        } else {
+            print_to<"\\x%02x">(out, octet);
+        }
+    }
+    put(out, goes_on ? "..." : "");
+}
+
 /// Prints a text, broken between its words into lines that begin in the column where the cursor stands.
 void print_lines(std::string_view text) {
     while (text.size() > LINE_WIDTH) {
@@ -70,19 +82,28 @@ std::string foreign_text(octets text) {
 
 std::string foreign_name(std::string_view text) {
     text_buffer<4 * MAX_FOREIGN_TEXT + 3> shown;
-    for (const char character : text.substr(0, MAX_FOREIGN_TEXT)) {
-        const auto octet = static_cast<std::uint8_t>(character);
-        if (is_printable(octet)) {
-            put(shown, character);
-        } else {
-            print_to<"\\x%02x">(shown, octet);
-        }
-    }
-    if (text.size() > MAX_FOREIGN_TEXT) {
-        put(shown, "...");
-    }
+    put_foreign(shown, text.substr(0, MAX_FOREIGN_TEXT), text.size() > MAX_FOREIGN_TEXT);
     return std::string(shown.text());
 }
+
+void short_text::append(octets text) {
+    for (const std::uint8_t octet : text.run(0, text.length)) {
+        if (length_ == MOST) {
+            cut_ = true;
+            return;
+        }
+        characters_[length_++] = static_cast<char>(octet);
+    }
+}
+
+void short_text::append(const short_text& text) {
+    const std::size_t taken = std::min<std::size_t>(text.length_, MOST - length_);
+    std::copy_n(text.characters_.begin(), taken, characters_.begin() + length_);
+    length_ = static_cast<std::uint8_t>(length_ + taken);
+    cut_ = cut_ || text.cut_ || taken < text.length_;
+}
+
+void short_text::put_to(text_sink& out) const { put_foreign(out, {characters_.data(), length_}, cut_); }
 
 void print_row_text(section& to, place at, std::string_view text) {
     if (to.rows_left == 0) {

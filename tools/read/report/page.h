@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -29,6 +30,25 @@ inline constexpr int MAX_FOREIGN_TEXT = 40;
 /// of it. It takes the declared octets that are held.
 [[nodiscard]] std::string foreign_text(octets text);
 [[nodiscard]] std::string foreign_name(std::string_view text);
+
+/// Text that strangers wrote, as it is remembered: its first octets, as they came, and whether there were more.
+class short_text {
+public:
+    static constexpr std::size_t MOST = 24;
+
+    void append(octets text);
+    void append(const short_text& text);
+    void clear() { *this = {}; }
+    [[nodiscard]] bool empty() const { return length_ == 0; }
+
+    /// Writes it fit for a row.
+    void put_to(text_sink& out) const;
+
+private:
+    std::array<char, MOST> characters_{};
+    std::uint8_t length_ = 0;
+    bool cut_ = false;
+};
 
 /// A section of the page: what one tracker has seen on one interface. The rows that it has no room for are counted.
 struct section {

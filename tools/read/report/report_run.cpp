@@ -7,6 +7,7 @@
 #include "display/channel_display.h"
 #include "read/report/layers.h"
 #include "read/report/page.h"
+#include "read/report/remembered.h"
 #include "read/report/seen.h"
 #include "trace/ifc_types.h"
 
@@ -80,6 +81,8 @@ void print_protocol(const protocol& about, const std::deque<interface_report>& i
 }
 
 }  // namespace
+
+report_run::report_run() { static_cast<void>(hash_factor()); }
 
 std::size_t report_run::begin_interface(std::string_view name, int channel_type, std::uint32_t mode_flags,
                                         std::string_view router) {

@@ -21,6 +21,9 @@ class report_run {
 public:
     static constexpr std::size_t MOST_INTERFACES = 256;
 
+    /// Asks the system for what it needs of it, so that it may be confined afterwards.
+    report_run();
+
     /// An interface that records come from: its name, which may be empty, its type, and the mode flags that its
     /// decoders would have, which tell what a B-channel carries. With `router`, as whoever wrote the capture has noted
     /// it, an interface goes on that is known by this name already. Returns its number. Interfaces behind the last of
