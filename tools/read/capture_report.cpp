@@ -22,22 +22,13 @@ std::string name_of(const line_identity& identity, const std::string& title, boo
 
 }  // namespace
 
-void capture_report::take(const traced_line& line, const std::string& title, bool several_lines) {
-    report_.take(number_of(line, title, several_lines), line.context);
-}
-
-std::size_t capture_report::number_of(const traced_line& line, const std::string& title, bool several_lines) {
-    if (const auto known = numbers_.find(line.serial); known != numbers_.end()) {
-        return known->second;
-    }
+void capture_report::begin_line(const traced_line& line, const std::string& title, bool several_lines) {
     if (numbers_.size() == MOST_NUMBERS) {
         numbers_.clear();
     }
-    const std::size_t number =
-        report_.begin_interface(name_of(line.identity, title, several_lines), line.context.channel_type,
-                                line.context.mode_flags, line.identity.router);
-    numbers_.emplace(line.serial, number);
-    return number;
+    numbers_.emplace(line.serial,
+                     report_.begin_interface(name_of(line.identity, title, several_lines), line.context.channel_type,
+                                             line.context.mode_flags, line.identity.router));
 }
 
 bool capture_report::print() {

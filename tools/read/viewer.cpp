@@ -87,7 +87,10 @@ public:
 private:
     void show_record(traced_line& line) {
         if (report_ != nullptr) {
-            report_->take(line, title_, records_.has_several_lines());
+            if (!report_->knows(line)) {
+                report_->begin_line(line, title_, records_.has_several_lines());
+            }
+            report_->take(line);
             return;
         }
         name_line(line);

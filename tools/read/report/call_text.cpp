@@ -175,9 +175,13 @@ void tell_no_answer(const call_record& call, const journal& about) {
 void tell_cause(const call_record& call, const journal& about) {
     const char* const direction = call.sent || !about.has_sent ? "to" : "for";
     number_buffer number;
-    put_number(number, call.told.called, call.told.called_subaddress);
     text_buffer<160> cause;
     put_cause(cause, call);
+    if (call.began_before && call.told.called.empty()) {
+        tell_trouble<"a call was broken off by %s: %s">(about, *call.cleared, clearer(call, about), cause.text());
+        return;
+    }
+    put_number(number, call.told.called, call.told.called_subaddress);
     if (call.connected || call.began_before) {
         tell_trouble<"the call %s %s was broken off by %s: %s">(about, *call.cleared, direction, number.text(),
                                                                 clearer(call, about), cause.text());

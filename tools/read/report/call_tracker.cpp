@@ -46,7 +46,9 @@ void begin_call(call_tracker& tracker, const journal& about, const frame& what, 
     if (call.began_before) {
         call.told.called.clear();  // taken with the rest of the message
     }
-    ++tracker.count;
+    if (tracker.count++ == 0) {
+        tracker.first = what.at;
+    }
     tracker.calls.begin(key, *about.shared, std::move(call));
 }
 
@@ -175,7 +177,7 @@ void print_calls(const call_tracker& tracker, const journal& about) {
     }
     section rows;
     if (tracker.count > section::MOST_ROWS) {
-        print_row<"%s, %lu of them connected">(rows, calls.front()->first, count_text(tracker.count, "call"),
+        print_row<"%s, %lu of them connected">(rows, tracker.first, count_text(tracker.count, "call"),
                                                tracker.connected);
     }
     for (const call_record* const call : calls) {

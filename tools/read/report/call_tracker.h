@@ -50,6 +50,7 @@ struct call_record {
 /// The calls of one D-channel, or of the PABX.
 struct call_tracker {
     remembered<call_key, call_record> calls;
+    place first;  // where the first of them began, remembered or not
     std::uint64_t count = 0;
     std::uint64_t connected = 0;
 };

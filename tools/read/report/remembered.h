@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -54,18 +55,15 @@ public:
             remove_from_index(at);
             unlink(open_, at);
             append(over_, at);
+            ended_[finished_++ % FEW] = key;
         }
     }
 
     /// Whether this key is among those of the last few that are over.
     [[nodiscard]] bool ended_lately(const Key& key) const {
-        int few = 16;
-        for (int at = over_.last; at != NONE && few > 0; at = item_at(at).previous, --few) {
-            if (item_at(at).key == key) {
-                return true;
-            }
-        }
-        return false;
+        const std::size_t few = std::min<std::uint64_t>(finished_, FEW);
+        return std::find(ended_.begin(), ended_.begin() + static_cast<std::ptrdiff_t>(few), key) !=
+               ended_.begin() + static_cast<std::ptrdiff_t>(few);
     }
 
     /// All of them that are still remembered, in the order of time.
@@ -95,6 +93,7 @@ public:
 
 private:
     static constexpr int NONE = -1;
+    static constexpr std::size_t FEW = 16;
 
     struct item {
         Key key{};
@@ -199,6 +198,8 @@ private:
     item_list open_;  // in the order in which they began
     item_list over_;  // in the order in which they ended
     std::vector<int> buckets_;
+    std::array<Key, FEW> ended_{};  // the keys of those that were over last
+    std::uint64_t finished_ = 0;
     std::uint64_t forgotten_ = 0;
 };
 
