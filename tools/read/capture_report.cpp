@@ -16,8 +16,9 @@ std::string name_of(const line_identity& identity, const std::string& title, boo
     if (own && identity.name.starts_with(OWN_PREFIX)) {
         return identity.name.substr(OWN_PREFIX.size());
     }
+    const std::string file = title.substr(title.rfind('/') + 1);  // without its folders, for the sake of the page
     const bool only_number = identity.name == "interface " + std::to_string(identity.number);
-    return only_number && !several_lines ? title.substr(0, title.find(": ")) : title + identity.name;
+    return only_number && !several_lines ? file.substr(0, file.find(": ")) : file + identity.name;
 }
 
 }  // namespace
