@@ -14,6 +14,7 @@
 #include "read/report/journal.h"
 #include "read/report/page.h"
 #include "read/report/remembered.h"
+#include "read/report/report_run.h"
 #include "read/report/seen.h"
 #include "support/captured_output.h"
 
@@ -64,7 +65,7 @@ TEST(Remembered, NeverHoldsMoreThanItsBoundAndGivesUpWhatIsOverFirst) {
     EXPECT_EQ(calls.size(), memory::MOST);
     EXPECT_EQ(calls.forgotten(), 1U);
     EXPECT_NE(calls.find(0), nullptr);
-    EXPECT_FALSE(calls.ended_lately(100));
+    EXPECT_TRUE(calls.ended_lately(100));  // its key is still known
     calls.begin(most + 1, shared, {{1'000'001, 0}, most + 1});  // nothing is over any more: the oldest goes
     EXPECT_EQ(calls.size(), memory::MOST);
     EXPECT_EQ(calls.find(0), nullptr);
@@ -131,6 +132,20 @@ TEST(Page, ForeignTextCannotActOrRunOn) {
     EXPECT_EQ(foreign_name(std::string(5000, '\x01')).size(), 4 * 40 + 3U);
 }
 
+TEST(Page, ShortTextKeepsItsFirstOctetsAndTellsThatThereWereMore) {
+    std::vector<std::uint8_t> digits(30, '7');
+    short_text text;
+    text.append(octets_of(digits).cut(24));
+    short_text twice = text;
+    text_buffer<128> exact;
+    text.put_to(exact);
+    EXPECT_EQ(exact.text(), std::string(24, '7'));
+    twice.append(text);
+    text_buffer<128> cut;
+    twice.put_to(cut);
+    EXPECT_EQ(cut.text(), std::string(24, '7') + "...");
+}
+
 TEST(Page, BreaksALongRowBetweenItsWords) {
     section rows;
     captured_output captured;
@@ -169,6 +184,12 @@ call_message message_of(std::vector<std::uint8_t> octets_of_message) {
     return read_call_message(octets_of(octets_of_message));
 }
 
+std::string text_of(const short_text& text) {
+    text_buffer<128> shown;
+    text.put_to(shown);
+    return std::string(shown.text());
+}
+
 TEST(CallMessage, KnowsTheCallAndTheSide) {
     const call_message message = message_of({0x08, 0x01, 0x87, 0x45, 0x08, 0x02, 0x82, 0x81});
     EXPECT_TRUE(message.of_call);
@@ -190,7 +211,7 @@ TEST(CallMessage, ReadsElementsOfTheFirstCodesetOnly) {
     // A non-locking shift hides one element, a locking one the rest.
     const call_message message = message_of(
         {0x08, 0x01, 0x07, 0x05, 0x9E, 0x70, 0x02, 0x80, 0x31, 0x70, 0x02, 0x80, 0x32, 0x96, 0x70, 0x02, 0x80, 0x33});
-    EXPECT_EQ(message.called, "2");
+    EXPECT_EQ(text_of(message.called), "2");
 }
 
 TEST(CallMessage, ReadsChannelsOfBothKindsOfInterface) {
@@ -202,7 +223,7 @@ TEST(CallMessage, ReadsChannelsOfBothKindsOfInterface) {
 }
 
 TEST(CallMessage, AnElementThatIsLongerThanTheRestEndsIt) {
-    EXPECT_EQ(message_of({0x08, 0x01, 0x07, 0x05, 0x70, 0x09, 0x80, 0x31}).called, "");
+    EXPECT_EQ(text_of(message_of({0x08, 0x01, 0x07, 0x05, 0x70, 0x09, 0x80, 0x31}).called), "");
 }
 
 TEST(IsdnWords, OfBearerAndCompatibilityElements) {
@@ -213,6 +234,94 @@ TEST(IsdnWords, OfBearerAndCompatibilityElements) {
     EXPECT_FALSE(layer2_protocol_name(octets_of(bearer)));
     std::array<std::uint8_t, 4> high_layer{0x7D, 0x02, 0x91, 0x81};
     EXPECT_EQ(high_layer_name(octets_of(high_layer)).view(), "Telephony");
+}
+
+/// A report that frames are handed to, one after the other, of an interface that exists.
+struct fed_report {
+    report_run report;
+    display_context context;
+    record_header header;
+
+    void take(std::size_t line, std::vector<std::uint8_t> data, bool sent = true) {
+        ++header.sequence;
+        header.timestamp_ms += 10;
+        header.record_flags = sent ? 1 : 0;
+        context.header = &header;
+        context.payload = octets_of(data);
+        context.original_length = static_cast<std::uint32_t>(data.size());
+        report.take(line, context);
+        context.header = nullptr;
+    }
+
+    [[nodiscard]] std::string page() {
+        captured_output captured;
+        report.print();
+        return captured.take();
+    }
+};
+
+/// SETUP of a call with a reference of two octets.
+std::vector<std::uint8_t> setup(std::uint32_t reference) {
+    return {0x00,
+            0x81,
+            0x00,
+            0x00,
+            0x08,
+            0x02,
+            static_cast<std::uint8_t>(reference >> 8 & 0x7F),
+            static_cast<std::uint8_t>(reference),
+            0x05,
+            0x04,
+            0x02,
+            0x88,
+            0x90,
+            0x70,
+            0x03,
+            0x80,
+            0x31,
+            0x32};
+}
+
+TEST(ReportRun, AFloodOfCallsMakesADullPage) {
+    fed_report fed;
+    const std::size_t line = fed.report.begin_interface("2100", 0, 0);
+    for (std::uint32_t i = 1; i <= 20'000; ++i) {
+        fed.take(line, setup(i));
+    }
+    const std::string page = fed.page();
+    EXPECT_LT(page.size(), 4096U);
+    EXPECT_NE(page.find("20000 calls, 0 of them connected"), std::string::npos) << page;
+}
+
+TEST(ReportRun, InterfacesBeyondItsBoundAreOnlyCounted) {
+    fed_report fed;
+    for (std::size_t i = 0; i < report_run::MOST_INTERFACES + 50; ++i) {
+        fed.take(fed.report.begin_interface(std::to_string(i), 0, 0), setup(1));
+    }
+    const std::string page = fed.page();
+    EXPECT_LT(page.size(), 32768U);
+    EXPECT_NE(page.find("50 records of further interfaces, which were not looked at"), std::string::npos);
+}
+
+TEST(ReportRun, AnInterfaceOfTheSameRouterGoesOn) {
+    report_run report;
+    const std::size_t first = report.begin_interface("2100", 0, 0, "router");
+    EXPECT_EQ(report.begin_interface("2100", 0, 0, "router"), first);
+    EXPECT_NE(report.begin_interface("2100", 0, 0, "another"), first);
+    EXPECT_NE(report.begin_interface("2101", 1, 0, "router"), first);
+    EXPECT_NE(report.begin_interface("2100", 0, 0), first);  // of whom nothing is known
+}
+
+TEST(ReportRun, WithoutDirectionsTheRouterIsNotNamed) {
+    fed_report fed;
+    const std::size_t line = fed.report.begin_interface("", 0, 0);
+    fed.take(line, setup(7), false);
+    fed.take(line, {0x02, 0x81, 0x00, 0x00, 0x08, 0x02, 0x80, 0x07, 0x5A, 0x08, 0x02, 0x82, 0x81}, false);
+    const std::string page = fed.page();
+    EXPECT_NE(page.find("ISDN D-channel: the call to 12 was refused by the called side: Unallocated"),
+              std::string::npos)
+        << page;
+    EXPECT_EQ(page.find("router"), std::string::npos) << page;
 }
 
 }  // namespace

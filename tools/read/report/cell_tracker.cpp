@@ -67,8 +67,9 @@ void take_loopback(const frame& what, const journal& about, std::uint32_t key, c
     const std::uint32_t tag = payload.le32(2);
     give_up_overdue(about, key, circuit);
     if (!request) {
-        const auto asked = std::ranges::find_if(
-            circuit.waiting, [&](const auto& waiting) { return waiting.tag == tag && waiting.sent != what.sent; });
+        const auto asked = std::ranges::find_if(circuit.waiting, [&](const auto& waiting) {
+            return waiting.tag == tag && (waiting.sent != what.sent || !about.has_sent);
+        });
         if (asked != circuit.waiting.end()) {
             circuit.waiting.erase(asked);
             ++circuit.answered;
