@@ -49,7 +49,8 @@ public:
 
     [[nodiscard]] bool empty() const { return entries_.empty(); }
 
-    /// Prints the first SHOWN of them, a line each, in the order of time, and how many there are more.
+    /// Prints the first SHOWN of them, a line each or as many as it takes, in the order of time, and how many there are
+    /// more.
     void print_lines() const;
 
 private:
