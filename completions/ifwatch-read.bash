@@ -1,6 +1,6 @@
 # Completions of ifwatch-read for bash: the options, their words, and captures.
 
-_ifwatch_read_options='-h -! -2 -3 -a -e -F -A -D -p -f -i -N -t -x -X -T -c -v --type --sent --color --help'
+_ifwatch_read_options='-h -! -2 -3 -a -e -F -A -D -p -f -i -N -t -x -X -T -c -v --type --sent --report --color --help'
 
 _ifwatch_read_words() { mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2"); }
 

@@ -24,5 +24,6 @@ complete -c ifwatch-read -s v -d 'More messages'
 complete -c ifwatch-read -l type -x -d 'Interface type, where the capture does not tell' \
     -a '-2 0 1 2 3 4 5 6 7 8 9 16 23 32 118 131'
 complete -c ifwatch-read -l sent -x -a 'none all' -d 'What the router sent'
+complete -c ifwatch-read -l report -d 'One page about the captures'
 complete -c ifwatch-read -l color -f -a 'auto always never' -d 'When to colour'
 complete -c ifwatch-read -l help -d 'Explain everything'

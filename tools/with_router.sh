@@ -31,6 +31,7 @@ read -r line <"$work/says" || {
     exit 2
 }
 TRACE_PORT=${line##*:}
-export TRACE_PWD TRACE_PORT
+CAPTURES=$work # for captures that the command makes
+export TRACE_PWD TRACE_PORT CAPTURES
 
 "$@"

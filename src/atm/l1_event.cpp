@@ -28,10 +28,12 @@ table_text event_name(std::uint32_t event, std::uint32_t state) {
 
 }  // namespace
 
+table_text line_error_name(int event) { return value_name(LINE_ERRORS, event); }
+
 void dump_l1_event(const record_header& record, octets payload, std::uint32_t original_length, std::string_view header,
                    std::string_view delta) {
     const std::uint32_t event = record.channel_info & 0xFF;
-    if (const table_text error = value_name(LINE_ERRORS, static_cast<int>(event))) {
+    if (const table_text error = line_error_name(static_cast<int>(event))) {
         print<"%s%s[%04ld]%s">(header, error, original_length, delta);
         hex_dump(payload, payload.length, 16, 6);
         print<"\n">();

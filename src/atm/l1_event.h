@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "base/names.h"
 #include "base/octets.h"
 
 namespace ifwatch {
@@ -15,5 +16,9 @@ struct record_header;
 /// takes the layer-1 state from the record flags, which hold nothing else then; an unknown code prints no name.
 void dump_l1_event(const record_header& record, octets payload, std::uint32_t original_length, std::string_view header,
                    std::string_view delta);
+
+/// What the line of an event of this code begins with when it is a line error (3 to 6), padded to four characters; else
+/// nothing.
+[[nodiscard]] table_text line_error_name(int event);
 
 }  // namespace ifwatch

@@ -91,6 +91,9 @@ int confine_to_record_loop(const record_loop_files& files) {
     if (failure == 0 && files.has_pipe) {
         failure = first_failure(allow_all(calls, NEEDED_FOR_PIPE), allow_with(calls, SCMP_SYS(tgkill), getpid()));
     }
+    if (failure == 0 && files.catches_signals) {
+        failure = allow(calls, SCMP_SYS(rt_sigreturn));
+    }
     if (failure == 0 && files.asks_clock) {
         failure = allow_all(calls, NEEDED_FOR_CLOCK);
     }

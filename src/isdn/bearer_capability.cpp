@@ -119,6 +119,22 @@ void dump_layer3_protocol(int octet) {
 
 }  // namespace
 
+table_text information_capability_name(octets element) {
+    const bool known = element.length > 2 && coding_standard(element[2]) == CODING_STANDARD_CCITT;
+    return known ? value_name(INFORMATION_CAPABILITIES, element[2] & 0x1F) : nullptr;
+}
+
+table_text layer2_protocol_name(octets element) {
+    capability_group group{element};
+    const bool inside = group.inside() && group.next_group();
+    while (inside && group.next_group()) {
+        if (layer(group.octet()) == LAYER_2) {
+            return value_name(LAYER_2_PROTOCOLS, group.octet() & 0x1F);
+        }
+    }
+    return nullptr;
+}
+
 void dump_bearer_capability(octets element) {
     capability_group group{element};
     if (!group.inside()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/names.h"
 #include "base/octets.h"
 
 namespace ifwatch {
@@ -14,5 +15,12 @@ namespace ifwatch {
 
 /// Prints the contents of either element group by group, and stops at the first octet that would lie behind its end.
 void dump_bearer_capability(octets element);
+
+/// The name of the information transfer capability of either element; nothing for one of another coding standard or
+/// without a name.
+[[nodiscard]] table_text information_capability_name(octets element);
+
+/// The name of the layer 2 protocol that either element tells; nothing when it tells none, or one without a name.
+[[nodiscard]] table_text layer2_protocol_name(octets element);
 
 }  // namespace ifwatch

@@ -95,17 +95,31 @@ constexpr named_value CAUSES_1TR6[] = {
 
 }  // namespace
 
+int cause_value(int variant, octets element) {
+    if (element[1] == 0) {
+        return 0;
+    }
+    if (variant == VARIANT_1TR6) {
+        return element[2];
+    }
+    const bool octet_3a_follows = (element[2] & 0x80) == 0;
+    return octet_3a_follows ? element[4] : element[3];
+}
+
+table_text cause_name(int variant, int cause) {
+    return variant == VARIANT_1TR6 ? value_name(CAUSES_1TR6, cause) : value_name(Q850_CAUSES, cause);
+}
+
 void dump_cause(int variant, octets element) {
+    const int cause = cause_value(variant, element);
     if (element[1] == 0) {
         print<"empty">();
     } else if (variant == VARIANT_Q931) {
-        const bool octet_3a_follows = (element[2] & 0x80) == 0;
-        const int cause = octet_3a_follows ? element[4] : element[3];
         print<"0x%x ">(cause);
         print_value(Q850_CAUSES, cause, "(unknown value)");
     } else if (variant == VARIANT_1TR6) {
-        print<"0x%x ">(element[2]);
-        print_value(CAUSES_1TR6, element[2], "(unknown value 0x%x)");
+        print<"0x%x ">(cause);
+        print_value(CAUSES_1TR6, cause, "(unknown value 0x%x)");
     }
 }
 

@@ -41,6 +41,10 @@ void dump_coding(int octet) {
 
 }  // namespace
 
+table_text high_layer_name(octets element) {
+    return element.length > 3 ? value_name(CHARACTERISTICS, element[3] & 0x7F) : nullptr;
+}
+
 void dump_high_layer_compatibility(octets element) {
     if (element.length <= 2) {
         return;

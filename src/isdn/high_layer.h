@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/names.h"
 #include "base/octets.h"
 
 namespace ifwatch {
@@ -8,5 +9,8 @@ namespace ifwatch {
 /// interpretation, presentation method, and the high layer characteristics with their extension when they are there.
 /// An element without contents gets nothing.
 void dump_high_layer_compatibility(octets element);
+
+/// The name of the high layer characteristics of the element; nothing when it tells none, or one without a name.
+[[nodiscard]] table_text high_layer_name(octets element);
 
 }  // namespace ifwatch

@@ -32,11 +32,6 @@ constexpr table_text BRIDGED_PROTOCOLS[] = {
 };
 constexpr int BRIDGED_PROTOCOL_COUNT = static_cast<int>(std::size(BRIDGED_PROTOCOLS));
 
-/// Where the payload stands and the key under which dump_ethertype knows it.
-struct encapsulation {
-    int header_length;
-    int type;
-};
 constexpr encapsulation NOT_DECODED = {0, KEY_NONE};
 
 struct nlpid {
@@ -113,6 +108,8 @@ encapsulation read_encapsulation(octets frame, bool show) {
 }
 
 }  // namespace
+
+encapsulation rfc1483_encapsulation(octets frame) { return read_encapsulation(frame, false); }
 
 void dump_rfc1483(octets frame, display_context& context) {
     const bool show = (context.mode_flags & MODE_LAYER2) != 0;

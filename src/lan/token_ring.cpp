@@ -53,11 +53,13 @@ void dump_header(octets frame) {
 
 }  // namespace
 
+int token_ring_header_length(octets frame) { return HEADER_LENGTH + routing_length(frame); }
+
 void dump_token_ring(octets frame, display_context& context) {
     if ((context.mode_flags & MODE_LAYER2) != 0) {
         dump_header(frame);
     }
-    dump_llc_frame(frame.skip(HEADER_LENGTH + routing_length(frame)), context);
+    dump_llc_frame(frame.skip(token_ring_header_length(frame)), context);
 }
 
 }  // namespace ifwatch

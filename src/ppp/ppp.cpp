@@ -34,14 +34,6 @@ constexpr control_protocol CONTROL_PROTOCOLS[] = {
     {0xC029, dump_cbcp}, {0xC02B, dump_bacp}, {0xC02D, dump_bap}, {0xC223, dump_chap},
 };
 
-/// Takes the protocol field off `packet`.
-int take_protocol(octets& packet) {
-    const bool compressed = (packet[0] & 1) != 0;
-    const int protocol = compressed ? packet[0] : packet.be16(0);
-    packet = packet.skip(compressed ? 1 : 2);
-    return protocol;
-}
-
 /// Takes the multilink header off `packet` and prints it. True when the start of a packet stands behind it.
 bool take_multilink_header(octets& packet) {
     if (packet.length < MULTILINK_HEADER_LENGTH) {
@@ -77,17 +69,24 @@ void dump_control_protocol(int protocol, octets packet) {
 
 }  // namespace
 
+int take_ppp_protocol(octets& packet) {
+    const bool compressed = (packet[0] & 1) != 0;
+    const int protocol = compressed ? packet[0] : packet.be16(0);
+    packet = packet.skip(compressed ? 1 : 2);
+    return protocol;
+}
+
 int dump_ppp(octets packet) {
     const bool uncompressed = packet[0] == 0xFF && packet[1] == 0x03;
     if (uncompressed) {
         packet = packet.skip(2);
     }
-    int protocol = take_protocol(packet);
+    int protocol = take_ppp_protocol(packet);
     while (protocol == PROTOCOL_MULTILINK) {
         if (!take_multilink_header(packet)) {
             return 1;
         }
-        protocol = take_protocol(packet);
+        protocol = take_ppp_protocol(packet);
     }
     print<"\t     %s protocol 0x%2.2x (%s)\n">(uncompressed ? "PPP packet" : "Compressed PPP packet", protocol,
                                                ppp_protocol_name(protocol));

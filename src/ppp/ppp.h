@@ -14,6 +14,9 @@ namespace ifwatch {
 //     octet 0       B (7)   E (6)   zero (5-0)
 //     octets 1-3    sequence number
 
+/// Takes the protocol field off a packet that begins with it, and returns the protocol.
+int take_ppp_protocol(octets& packet);
+
 /// Prints one PPP frame: a line for each multilink header, the line of the protocol, and all of a control or
 /// authentication protocol. 1 when the frame needs no other decoder (such a protocol, a fragment that is not the
 /// first, a multilink header with nothing behind it), 0 for a protocol below 0x8000, whose payload is the caller's.

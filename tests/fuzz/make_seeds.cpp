@@ -141,6 +141,7 @@ bool write_case_seeds(const seed_place& place, const trace_case& trace) {
         const seed_place longer{place.directory, numbered.name + "-long"};
         written = written && write_seed(numbered, "record_fuzz", trace_seed(trace, mode_flags)) &&
                   write_seed(longer, "record_fuzz", trace_seed(lengthened(trace), mode_flags)) &&
+                  write_seed(numbered, "report_fuzz", trace_seed(trace, mode_flags)) &&
                   write_seed(numbered, "session_fuzz", session_seed(trace, version, mode_flags)) &&
                   write_seed(numbered, "options_fuzz", command_line_seed(trace.options[i]));
     }

@@ -9,7 +9,7 @@
 namespace ifwatch::capture {
 
 // NOLINTNEXTLINE(modernize-avoid-c-arrays): the array that a unique_ptr owns
-byte_stream::byte_stream(int fd, void (*before_read)())
+byte_stream::byte_stream(int fd, bool (*before_read)())
     : fd_(fd), before_read_(before_read), buffer_(new std::uint8_t[CAPACITY]) {}
 
 std::span<std::uint8_t> byte_stream::hold(std::size_t wanted) {
@@ -45,8 +45,9 @@ std::uint64_t byte_stream::skip(std::uint64_t count) {
 /// Reads once, behind what is held. False at the end.
 bool byte_stream::fill() {
     while (!at_end_) {
-        if (before_read_ != nullptr) {
-            before_read_();
+        if (before_read_ != nullptr && !before_read_()) {
+            at_end_ = true;
+            return false;
         }
         const ssize_t got = read(fd_, &buffer_[end_], CAPACITY - end_);
         if (got > 0) {

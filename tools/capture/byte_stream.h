@@ -13,8 +13,8 @@ public:
     static constexpr std::size_t CAPACITY = std::size_t{256} << 10;
 
     /// `before_read`, if there is one, is called each time before the descriptor is read: what was made of the octets
-    /// so far can leave, for the next ones may be long in coming.
-    explicit byte_stream(int fd, void (*before_read)() = nullptr);
+    /// so far can leave, for the next ones may be long in coming. Where it returns false, that counts as the end.
+    explicit byte_stream(int fd, bool (*before_read)() = nullptr);
 
     /// The next octets, without moving: `wanted` of them, at most CAPACITY, or as many as there are before the end.
     /// They may be changed in place, and stay until the next call of hold() or skip().
@@ -33,7 +33,7 @@ private:
     bool fill();
 
     int fd_;
-    void (*before_read_)();
+    bool (*before_read_)();
     std::unique_ptr<std::uint8_t[]> buffer_;
     std::size_t begin_ = 0;  // of what is held
     std::size_t end_ = 0;

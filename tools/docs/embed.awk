@@ -2,12 +2,22 @@
 # embed.sh tells what the blocks look like. With `picture` every line of the input is a command with its choice in
 # brackets, and the output is the text of the picture.
 
-BEGIN { port = ENVIRON["TRACE_PORT"] }
+BEGIN {
+    port = ENVIRON["TRACE_PORT"]
+    captures = ENVIRON["CAPTURES"]
+}
 
 function complain(text) {
     printf "%s:%d: %s\n", FILENAME, FNR, text | "cat >&2"
     bad = 1
     exit 2
+}
+
+# Captures the interface INDEX of the router into INDEX.pcapng, for a command that reads it.
+function capture(index_, file) {
+    file = captures "/" index_ ".pcapng"
+    if (system(": >" file " && " build "/ifwatch-extcap --capture --extcap-interface ifwatch --host 127.0.0.1 --port " \
+        port " --interface " index_ " --router-time --fifo " file " >&2") != 0) complain("cannot capture " index_)
 }
 
 # Runs a command and keeps what a terminal would show: line[], and the record of each in part[]: 0 before the first,
@@ -16,6 +26,10 @@ function run(shown, command, text, ended) {
     if (shown !~ /^[-A-Za-z0-9_=.:,!\/ ]+$/) complain("no command for here: " shown)
     command = build "/" shown
     sub(/ router( |$)/, " 127.0.0.1 ", command)
+    if (match(command, /[0-9]+\.pcapng$/)) {
+        capture(substr(command, RSTART, RLENGTH - length(".pcapng")))
+        sub(/[0-9]+\.pcapng$/, captures "/&", command)
+    }
     lines = records = ended = 0
     while (((command " 2>&1; echo status $?") | getline text) > 0) {
         # The one thing that changes from run to run; 7000 is where a router listens.

@@ -9,7 +9,7 @@
 # has behind it what that command prints about the sample with that interface. The words behind "text" choose what is
 # shown of it: the lines before the first record (head), records by their place in the trace (9, 1-4), the lines behind
 # the last (tail); none: everything. "..." stands for what is left out. A picture (.svg) is made from such commands, too:
-# they stand in its <desc>. Without --accept a file that would come out otherwise is reported with the difference and
+# they stand in its <desc>. For a command that reads INDEX.pcapng that interface of the router is captured first. Without --accept a file that would come out otherwise is reported with the difference and
 # the status is 1; with it, it is written anew: review the change. Status 2: a mistake in a command or in the document.
 # Run from the project's root.
 set -eu

@@ -10,6 +10,7 @@ Examples:
   ifwatch-read -2 -3 -D isdn.pcapng                     a D-channel's layers 2 and 3, with time differences
   ifwatch-read -i -h --sent 192.0.2.1 lan.pcap | less   what that host sent is shown as sent
   ifwatch-read --type 0 -2 -3 user.pcap                 the file cannot say that it holds a D-channel
+  ifwatch-read --report isdn.pcapng                     one page: what went wrong, what happened, what was seen
   tcpdump -U -w - -i eth0 | ifwatch-read -i -           a live trace of this machine's own card
   ssh host tcpdump -U -w - | ifwatch-read -p -i         another machine's; so can zcat, mergecap -w -, tshark -w -
 
@@ -28,6 +29,8 @@ those of ifwatch, and so is what is shown without any of them:
                       3 ATM, 4 WLAN, 6 LAN, 9 Token Ring, 131 tunnel, -2 PABX ...
       --sent WHAT     what the router sent, where the capture does not tell: none (the default), all, or what comes
                       from a MAC or IPv4 address (Ethernet, Token Ring and IP)
+      --report        instead of the frames one page about them, at the end or at an interrupt: what went wrong first,
+                      and then what happened; each row names the time and the number of a record
       --color[=WHEN]  always, never, or auto (the default): on a terminal, unless NO_COLOR is set
       --help          this text
 

@@ -3,12 +3,15 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "base/print.h"
 #include "base/program_name.h"
 #include "base/verbose.h"
 #include "client/confinement.h"
+#include "read/capture_report.h"
+#include "read/interrupt.h"
 #include "read/open_captures.h"
 #include "read/options.h"
 #include "read/output.h"
@@ -37,7 +40,7 @@ bool is_colored(color_choice choice) {
 
 /// The octets of strangers come next: from here on the process can read, write and end.
 void confine() {
-    const int failure = confine_to_record_loop({.asks_clock = true});
+    const int failure = confine_to_record_loop({.asks_clock = true, .catches_signals = interrupts_are_awaited()});
     if (failure != 0 && verbose_level > 0) {
         say(std::string("not confined to reading and writing (") + std::strerror(failure) + ")");
     }
@@ -63,20 +66,27 @@ int show(const read_options& options) {
     for (const std::string& error : errors) {
         say(error);
     }
-    start_output(is_colored(options.color));
+    const std::unique_ptr<capture_report> report = options.report ? std::make_unique<capture_report>() : nullptr;
+    start_output(!options.report && is_colored(options.color));
     prepare_progress(captures);
+    if (options.report) {
+        await_interrupts();
+    }
     confine();
     bool whole = errors.empty();
     shown_counts counts;
     for (const open_capture& capture : captures) {
         const std::string title = options.files.size() > 1 ? sim::on_one_line(capture.name) + ": " : "";
-        whole = show_capture(capture, title, options, counts) && whole;
+        whole = show_capture(capture, title, options, counts, report.get()) && whole;
         if (output_error() != 0) {
             return report_output_failure();
         }
     }
+    if (report != nullptr && !captures.empty() && !report->print()) {
+        return report_output_failure();
+    }
     if (!captures.empty()) {
-        say(counts.text());
+        say(counts.text(options.report ? "reported on" : "shown"));
     }
     return whole ? 0 : STATUS_FAILURE;
 }

@@ -22,6 +22,7 @@ enum own_option : int {
     OPTION_TYPE = 256,  // above every one-letter option
     OPTION_SENT,
     OPTION_COLOR,
+    OPTION_REPORT,
     OPTION_HELP,
     FIRST_FOREIGN,
 };
@@ -67,6 +68,7 @@ std::vector<option> long_options() {
     std::vector<option> longs = {{"type", required_argument, nullptr, OPTION_TYPE},
                                  {"sent", required_argument, nullptr, OPTION_SENT},
                                  {"color", optional_argument, nullptr, OPTION_COLOR},
+                                 {"report", no_argument, nullptr, OPTION_REPORT},
                                  {"help", no_argument, nullptr, OPTION_HELP}};
     for (int i = 0; i < static_cast<int>(std::size(FOREIGN_OPTIONS)); ++i) {
         const foreign_option& foreign = FOREIGN_OPTIONS[i];
@@ -122,6 +124,8 @@ std::string take_option(int key, read_options& options) {
     const std::string argument = optarg != nullptr ? optarg : "";
     if (key == OPTION_HELP) {
         options.help = true;
+    } else if (key == OPTION_REPORT) {
+        options.report = true;
     } else if (key == OPTION_TYPE && !set_type(argument, options)) {
         return wrong_argument("type", "the code of an interface type", argument);
     } else if (key == OPTION_SENT && !set_sent(argument, options)) {

@@ -17,6 +17,7 @@ struct read_options {
     std::optional<int> channel_type = {};  // --type: of interfaces whose capture does not tell it
     capture::sent_rule sent = {};          // --sent
     color_choice color = color_choice::AUTO;
+    bool report = false;                  // --report: a page about the captures instead of their frames
     std::vector<std::string> files = {};  // "-": the standard input
     bool help = false;
 };

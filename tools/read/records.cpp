@@ -24,7 +24,7 @@ void number_record(traced_line& line, std::uint64_t lost, capture::packet_record
 
 }  // namespace
 
-capture_records::capture_records(int fd, void (*before_read)(), const read_options& options, shown_counts& counts)
+capture_records::capture_records(int fd, bool (*before_read)(), const read_options& options, shown_counts& counts)
     : options_(options),
       counts_(counts),
       stream_(fd, before_read),

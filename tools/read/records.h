@@ -17,8 +17,9 @@ namespace ifwatch::read {
 /// The packets of a capture as records, each in the context of the line that it came from.
 class capture_records {
 public:
-    /// `before_read` is called each time before the descriptor is read. `counts` gets every packet that is passed over.
-    capture_records(int fd, void (*before_read)(), const read_options& options, shown_counts& counts);
+    /// `before_read` is called each time before the descriptor is read, as byte_stream has it. `counts` gets every
+    /// packet that is passed over.
+    capture_records(int fd, bool (*before_read)(), const read_options& options, shown_counts& counts);
 
     /// Makes the next packet that can be shown the current record of its line's context, until the next call. nullptr
     /// at the end of the capture.

@@ -15,8 +15,8 @@ void shown_counts::add_undecoded(std::uint32_t link_type) {
     }
 }
 
-std::string shown_counts::text() const {
-    std::string text = std::to_string(shown_) + (shown_ == 1 ? " packet shown" : " packets shown");
+std::string shown_counts::text(const char* what) const {
+    std::string text = std::to_string(shown_) + (shown_ == 1 ? " packet " : " packets ") + what;
     for (const type_count& count : undecoded_) {
         text += ", " + std::to_string(count.packets) + " of link type " + std::to_string(count.link_type);
     }

@@ -17,8 +17,8 @@ public:
     void add_undecoded(std::uint32_t link_type);
     static constexpr std::size_t MAX_TYPES = 16;
 
-    /// "123 packets shown, 4 of link type 195 (no decoder)".
-    [[nodiscard]] std::string text() const;
+    /// "123 packets shown, 4 of link type 195 (no decoder)"; `what` is the word for what became of them.
+    [[nodiscard]] std::string text(const char* what = "shown") const;
 
     [[nodiscard]] std::uint64_t shown() const { return shown_; }
 

@@ -4,6 +4,7 @@
 
 #include "base/print.h"
 #include "display/record_display.h"
+#include "read/interrupt.h"
 #include "read/output.h"
 #include "read/progress.h"
 #include "read/records.h"
@@ -16,13 +17,15 @@ namespace {
 
 // NOLINTNEXTLINE(*-avoid-non-const-global-variables): all that the function called before each read can reach
 const capture_records* being_read = nullptr;
+int descriptor_read = -1;  // NOLINT(*-avoid-non-const-global-variables): likewise
 
 /// The next octets may be long in coming: what is printed leaves.
-void before_read() {
+bool before_read() {
     flush_output();
     if (being_read != nullptr) {
         show_progress(being_read->octets_read(), being_read->packet().number);
     }
+    return !interrupts_are_awaited() || wait_for_octets(descriptor_read);
 }
 
 /// "2026-11-22 11:15:52.123456 UTC".
@@ -46,9 +49,18 @@ std::string type_text(int channel_type) {
 
 class capture_view {
 public:
-    capture_view(const open_capture& file, std::string title, const read_options& options, shown_counts& counts)
-        : file_(file), title_(std::move(title)), counts_(counts), records_(file.fd, before_read, options, counts) {
+    capture_view(const open_capture& file, std::string title, const read_options& options, shown_counts& counts,
+                 capture_report* report)
+        : file_(file),
+          title_(std::move(title)),
+          counts_(counts),
+          report_(report),
+          records_(file.fd, before_read, options, counts) {
         being_read = &records_;
+        descriptor_read = file.fd;
+        if (report_ != nullptr) {
+            report_->begin_capture();
+        }
     }
     ~capture_view() { being_read = nullptr; }
     capture_view(const capture_view&) = delete;
@@ -59,19 +71,32 @@ public:
     bool show() {
         for (traced_line* line = records_.next(); line != nullptr && output_error() == 0; line = records_.next()) {
             tell_date();
-            name_line(*line);
-            display_record(line->context);
+            show_record(*line);
             counts_.add_shown();
         }
         const bool written = flush_output();
         erase_progress();
-        if (!records_.error().empty()) {
-            say(file_.name + ": " + records_.error());
+        // An interrupt may come in the middle of a packet.
+        const std::string error = interrupted() ? "" : records_.error();
+        if (!error.empty()) {
+            say(file_.name + ": " + error);
         }
-        return written && records_.error().empty();
+        return written && error.empty();
     }
 
 private:
+    void show_record(traced_line& line) {
+        if (report_ != nullptr) {
+            if (!report_->knows(line)) {
+                report_->begin_line(line, title_, records_.has_several_lines());
+            }
+            report_->take(line);
+            return;
+        }
+        name_line(line);
+        display_record(line.context);
+    }
+
     /// Once, and only where the times count from the first packet.
     void tell_date() {
         const capture::record_clock& clock = records_.clock();
@@ -95,6 +120,7 @@ private:
     const open_capture& file_;
     std::string title_;
     shown_counts& counts_;
+    capture_report* report_;  // nullptr: the records are shown
     capture_records records_;
     std::uint64_t shown_last_ = 0;  // the serial number of its line
     bool date_told_ = false;
@@ -102,9 +128,9 @@ private:
 
 }  // namespace
 
-bool show_capture(const open_capture& file, const std::string& title, const read_options& options,
-                  shown_counts& counts) {
-    return capture_view(file, title, options, counts).show();
+bool show_capture(const open_capture& file, const std::string& title, const read_options& options, shown_counts& counts,
+                  capture_report* report) {
+    return capture_view(file, title, options, counts, report).show();
 }
 
 }  // namespace ifwatch::read

@@ -1,0 +1,192 @@
+#include "read/report/call_tracker.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "read/report/call_text.h"
+#include "read/report/page.h"
+
+namespace ifwatch::reporting {
+
+namespace {
+
+/// Takes over what a message says, where it says something.
+void merge(call_message& told, const call_message& message) {
+    const auto take_text = [](short_text& to, const short_text& from) {
+        if (!from.empty()) {
+            to = from;
+        }
+    };
+    take_text(told.calling, message.calling);
+    take_text(told.calling_subaddress, message.calling_subaddress);
+    take_text(told.called_subaddress, message.called_subaddress);
+    told.bearer = message.bearer ? message.bearer : told.bearer;
+    told.high_layer = message.high_layer ? message.high_layer : told.high_layer;
+    told.layer2 = message.layer2 ? message.layer2 : told.layer2;
+    told.channel = message.channel != NO_CHANNEL ? message.channel : told.channel;
+    // Digits that are dialled later come one by one.
+    if (!message.from_destination) {
+        told.called.append(message.called);
+    }
+}
+
+void begin_call(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier,
+                const call_key& key, const call_message& message) {
+    call_record call;
+    call.first = what.at;
+    call.lost = about.lost;
+    call.sent = what.sent != message.from_destination;
+    call.began_before = message.type != MESSAGE_SETUP;
+    call.to_all = carrier.to_all;
+    call.answered = call.began_before;
+    call.setups = call.began_before ? 0 : 1;
+    call.last_setup = what.at;
+    call.told = message;
+    call.told.cause = NO_CAUSE;
+    if (call.began_before) {
+        call.told.called.clear();  // taken with the rest of the message
+    }
+    if (tracker.count++ == 0) {
+        tracker.first = what.at;
+    }
+    tracker.calls.begin(key, *about.shared, std::move(call));
+}
+
+/// A call that is cleared for one of the terminals that it was offered to goes on for the others, and one that was
+/// answered by one of them is none of theirs.
+bool is_of_other_terminal(const call_record& call, const call_carrier& carrier) {
+    return call.to_all && call.connected && call.connected_link != carrier.link;
+}
+
+void take_clearing(call_record& call, const frame& what, const call_message& message) {
+    if (!call.cleared) {
+        call.cleared = what.at;
+        call.cleared_by_router = what.sent;
+        call.cleared_by_origin = !message.from_destination;
+        call.told.cause = NO_CAUSE;
+    }
+    if (call.told.cause == NO_CAUSE) {
+        call.told.cause = message.cause;
+        call.told.location = message.location;
+    }
+}
+
+void revive(call_record& call) {
+    call.cleared.reset();
+    call.told.cause = NO_CAUSE;
+}
+
+void take_progress(call_tracker& tracker, call_record& call, const frame& what, const call_message& message,
+                   const call_carrier& carrier) {
+    const bool goes_on = message.from_destination && !call.connected;
+    if (goes_on && call.to_all) {
+        revive(call);
+    }
+    if (message.type == MESSAGE_ALERT && goes_on && !call.alerting) {
+        call.alerting = what.at;
+    } else if (message.type == MESSAGE_CONNECT && goes_on) {
+        call.connected = what.at;
+        call.connected_link = carrier.link;
+        ++tracker.connected;
+    }
+}
+
+bool is_clearing(int type) {
+    return type == MESSAGE_DISCONNECT || type == MESSAGE_RELEASE || type == MESSAGE_RELEASE_COMPLETE;
+}
+
+/// Not the SETUP that began it.
+void take_message(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier,
+                  const call_key& key, call_record& call, const call_message& message) {
+    call.answered = call.answered || message.from_destination;
+    if (is_of_other_terminal(call, carrier)) {
+        return;
+    }
+    merge(call.told, message);
+    if (message.type == MESSAGE_SUSPEND_ACKNOWLEDGE) {
+        call.suspended = true;
+        tracker.calls.finish(key);
+        return;
+    }
+    if (!is_clearing(message.type)) {
+        take_progress(tracker, call, what, message, carrier);
+        return;
+    }
+    take_clearing(call, what, message);
+    const bool goes_on = call.to_all && !call.connected;
+    if (message.type == MESSAGE_RELEASE_COMPLETE && !goes_on) {
+        conclude_call(call, about);
+        tracker.calls.finish(key);
+    }
+}
+
+/// Whether a message tells of a call whose SETUP was not seen. One that is released may be over already for everybody
+/// but this terminal; a facility or a status needs no call.
+bool tells_of_call(const call_tracker& tracker, const call_key& key, int type) {
+    const bool last_word = type == MESSAGE_RELEASE || type == MESSAGE_RELEASE_COMPLETE;
+    return type <= LAST_MESSAGE_WITHIN || type == MESSAGE_DISCONNECT || (last_word && !tracker.calls.ended_lately(key));
+}
+
+/// A message of a call that is not known yet, or the SETUP of a new one.
+void take_first_message(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier,
+                        const call_key& key, const call_message& message) {
+    if (!tells_of_call(tracker, key, message.type)) {
+        return;
+    }
+    if (const call_record* const before = tracker.calls.find(key)) {
+        conclude_call(*before, about);
+    }
+    begin_call(tracker, about, what, carrier, key, message);
+    if (message.type != MESSAGE_SETUP) {
+        take_message(tracker, about, what, carrier, key, *tracker.calls.find(key), message);
+    }
+}
+
+}  // namespace
+
+bool take_call_message(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier) {
+    const call_message message = read_call_message(what.data);
+    if (!message.of_call) {
+        return false;
+    }
+    const bool by_user = carrier.from_user != message.from_destination;
+    // A call that comes from the network may be offered to several terminals: it is not of one link.
+    const call_key key{by_user || carrier.port != 0 ? carrier.link : 0, carrier.port, message.reference,
+                       by_user ? 1 : 0};
+    call_record* const call = tracker.calls.find(key);
+    const bool is_setup = message.type == MESSAGE_SETUP && !message.from_destination;
+    if (call != nullptr && is_setup && !call->answered && !call->cleared) {
+        ++call->setups;
+        call->last_setup = what.at;
+    } else if (call != nullptr && !is_setup) {
+        take_message(tracker, about, what, carrier, key, *call, message);
+    } else {
+        take_first_message(tracker, about, what, carrier, key, message);
+    }
+    return true;
+}
+
+void finish_calls(call_tracker& tracker, const journal& about) {
+    tracker.calls.for_each_lasting([&](const call_record& call) { conclude_call(call, about); });
+}
+
+void print_calls(const call_tracker& tracker, const journal& about) {
+    const std::vector<const call_record*> calls = tracker.calls.in_order();
+    if (calls.empty()) {
+        return;
+    }
+    section rows;
+    if (tracker.count > section::MOST_ROWS) {
+        print_row<"%s, %lu of them connected">(rows, tracker.first, count_text(tracker.count, "call"),
+                                               tracker.connected);
+    }
+    for (const call_record* const call : calls) {
+        text_buffer<MAX_ROW> text;
+        put_call(text, *call, about);
+        print_row_text(rows, call->first, text.text());
+    }
+    rows.left_out += tracker.calls.forgotten();
+    end_section(rows);
+}
+
+}  // namespace ifwatch::reporting

@@ -1,0 +1,206 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <deque>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "read/report/journal.h"
+
+namespace ifwatch::reporting {
+
+/// An odd number that nobody outside can know, one for a run: whoever makes a capture cannot make keys collide.
+[[nodiscard]] std::uint64_t hash_factor();
+
+/// What a tracker remembers of its interface: calls, sessions or pairs, found by a key while they last. There are never
+/// more than MOST of them, nor than all trackers together may have: the oldest that is over makes room, or the oldest,
+/// and is only counted from then on.
+///
+/// A key is a number, or a structure without padding that can be compared; an entry has a member `first`, the place
+/// where it began. References to entries stay until that entry is given up.
+template <class Key, class Entry>
+class remembered {
+    static_assert(std::has_unique_object_representations_v<Key>, "the octets of a key are hashed");
+
+public:
+    static constexpr std::size_t MOST = 4096;
+
+    /// The entry that lasts under this key; nullptr: none.
+    [[nodiscard]] Entry* find(const Key& key) {
+        const int at = index_of(key);
+        return at != NONE ? &item_at(at).entry : nullptr;
+    }
+
+    /// A new entry under this key; one that lasts under it is over.
+    Entry& begin(const Key& key, allowance& shared, Entry entry) {
+        finish(key);
+        const int at = take_slot(shared);
+        item& taken = item_at(at);
+        taken.key = key;
+        taken.entry = std::move(entry);
+        append(open_, at);
+        add_to_index(at);
+        return taken.entry;
+    }
+
+    /// The entry under this key is over: it stays in the report, but is not found any more.
+    void finish(const Key& key) {
+        if (const int at = index_of(key); at != NONE) {
+            remove_from_index(at);
+            unlink(open_, at);
+            append(over_, at);
+            ended_[finished_++ % FEW] = key;
+        }
+    }
+
+    /// Whether this key is among those of the last few that are over.
+    [[nodiscard]] bool ended_lately(const Key& key) const {
+        const std::size_t few = std::min<std::uint64_t>(finished_, FEW);
+        return std::find(ended_.begin(), ended_.begin() + static_cast<std::ptrdiff_t>(few), key) !=
+               ended_.begin() + static_cast<std::ptrdiff_t>(few);
+    }
+
+    /// All of them that are still remembered, in the order of time.
+    [[nodiscard]] std::vector<const Entry*> in_order() const {
+        std::vector<const Entry*> all;
+        all.reserve(size());
+        for (const item& one : items_) {
+            all.push_back(&one.entry);
+        }
+        std::ranges::stable_sort(all, {}, [](const Entry* one) { return one->first; });
+        return all;
+    }
+
+    /// Calls `visit` with each entry that still lasts, in the order in which they began.
+    template <class Visit>
+    void for_each_lasting(Visit visit) {
+        for (int at = open_.first; at != NONE; at = item_at(at).next) {
+            visit(item_at(at).entry);
+        }
+    }
+
+    [[nodiscard]] std::size_t size() const { return items_.size(); }
+    [[nodiscard]] bool empty() const { return items_.empty(); }
+
+    /// How many were given up to make room.
+    [[nodiscard]] std::uint64_t forgotten() const { return forgotten_; }
+
+private:
+    static constexpr int NONE = -1;
+    static constexpr std::size_t FEW = 16;
+
+    struct item {
+        Key key{};
+        Entry entry{};
+        int previous = NONE;  // of its list
+        int next = NONE;
+        int chained = NONE;  // the next of its bucket
+    };
+    struct item_list {
+        int first = NONE;
+        int last = NONE;
+    };
+
+    item& item_at(int at) { return items_[static_cast<std::size_t>(at)]; }
+    [[nodiscard]] const item& item_at(int at) const { return items_[static_cast<std::size_t>(at)]; }
+
+    int take_slot(allowance& shared) {
+        const bool full = size() >= MOST || (shared.left == 0 && size() > 0);
+        if (!full) {
+            shared.left -= shared.left > 0 ? 1 : 0;
+            items_.emplace_back();
+            return static_cast<int>(size()) - 1;
+        }
+        ++forgotten_;
+        const bool one_is_over = over_.first != NONE;
+        const int at = one_is_over ? over_.first : open_.first;
+        if (!one_is_over) {
+            remove_from_index(at);
+        }
+        unlink(one_is_over ? over_ : open_, at);
+        return at;
+    }
+
+    void append(item_list& list, int at) {
+        item_at(at).previous = list.last;
+        item_at(at).next = NONE;
+        (list.last != NONE ? item_at(list.last).next : list.first) = at;
+        list.last = at;
+    }
+
+    void unlink(item_list& list, int at) {
+        const item& one = item_at(at);
+        (one.previous != NONE ? item_at(one.previous).next : list.first) = one.next;
+        (one.next != NONE ? item_at(one.next).previous : list.last) = one.previous;
+    }
+
+    // --- Found by key
+
+    int& bucket_of(const Key& key) {
+        std::uint64_t hash = 0;
+        for (std::size_t done = 0; done < sizeof(Key); done += sizeof(std::uint64_t)) {
+            std::uint64_t part = 0;
+            std::memcpy(&part, reinterpret_cast<const char*>(&key) + done, std::min(sizeof part, sizeof(Key) - done));
+            hash = (hash ^ part ^ hash >> 32) * hash_factor();
+        }
+        return buckets_[hash >> (64 - std::bit_width(buckets_.size() - 1))];
+    }
+
+    int index_of(const Key& key) {
+        if (buckets_.empty()) {
+            return NONE;
+        }
+        int at = bucket_of(key);
+        while (at != NONE && !(item_at(at).key == key)) {
+            at = item_at(at).chained;
+        }
+        return at;
+    }
+
+    void add_to_index(int at) {
+        if (buckets_.size() < size()) {
+            grow_index();
+        } else {
+            chain(at);
+        }
+    }
+
+    void chain(int at) {
+        int& bucket = bucket_of(item_at(at).key);
+        item_at(at).chained = bucket;
+        bucket = at;
+    }
+
+    void remove_from_index(int at) {
+        int* link = &bucket_of(item_at(at).key);
+        while (*link != at) {
+            link = &item_at(*link).chained;
+        }
+        *link = item_at(at).chained;
+    }
+
+    /// Twice as many buckets, and every entry that lasts in its own.
+    void grow_index() {
+        constexpr std::size_t fewest = 16;
+        buckets_.assign(std::max(fewest, buckets_.size() * 2), NONE);
+        for (int at = open_.first; at != NONE; at = item_at(at).next) {
+            chain(at);
+        }
+    }
+
+    std::deque<item> items_;
+    item_list open_;  // in the order in which they began
+    item_list over_;  // in the order in which they ended
+    std::vector<int> buckets_;
+    std::array<Key, FEW> ended_{};  // the keys of those that were over last
+    std::uint64_t finished_ = 0;
+    std::uint64_t forgotten_ = 0;
+};
+
+}  // namespace ifwatch::reporting
