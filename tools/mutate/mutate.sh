@@ -78,7 +78,8 @@ made_the_same() {
 
 # Names the test that failed last, as ctest does; of others, such as a crash of the unit tests, what they are: $1.
 failed_test() {
-    found=$(sed -n -e 's/.*Test *#[0-9]*: \([^ ]*\) .*\*\*\*.*/\1/p' -e 's/^\[  FAILED  \] \([^ ]*\) (.*/unit\/\1/p' "$log" | tail -n 1)
+    found=$(sed -n -e 's/.*Test *#[0-9]*: \([^ ]*\) .*\*\*\*.*/\1/p' \
+        -e 's/^\[  FAILED  \] \([^ ]*\) (.*/unit\/\1/p' "$log" | tail -n 1)
     echo "${found:-$1}"
 }
 
