@@ -28,17 +28,24 @@ table_text event_name(std::uint32_t event, std::uint32_t state) {
 
 }  // namespace
 
-void dump_l1_event(const display_context& context, std::string_view header, std::string_view delta) {
+void put_l1_event(text_sink& out, const display_context& context) {
     const std::uint32_t event = context.header->channel_info & 0xFF;
     if (const table_text error = value_name(LINE_ERRORS, static_cast<int>(event))) {
-        print<"%s%s[%04ld]%s">(header, error, context.original_length, delta);
-        hex_dump(context.payload, context.payload.length, 16, 6);
-        print<"\n">();
+        print_to<"%s[%04ld]">(out, error, context.original_length);
         return;
     }
+    print_named_to(out, event_name(event, context.header->record_flags), context.header->record_flags);
+}
+
+void dump_l1_event(const display_context& context, std::string_view header, std::string_view delta) {
+    const int event = static_cast<int>(context.header->channel_info & 0xFF);
     print<"%s">(header);
-    print_named(event_name(event, context.header->record_flags), context.header->record_flags);
+    put_l1_event(standard_output, context);
     print<"%s">(delta);
+    if (value_name(LINE_ERRORS, event)) {
+        hex_dump(context.payload, context.payload.length, 16, 6);
+        print<"\n">();
+    }
 }
 
 }  // namespace ifwatch
