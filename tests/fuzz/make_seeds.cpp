@@ -11,7 +11,10 @@
 #include <string>
 #include <vector>
 
-#include "sim/capture.h"
+#include "capture/own_capture.h"
+#include "capture/pcapng_writer.h"
+#include "capture/record_frame.h"
+#include "sim/capture_export.h"
 #include "sim/case_file.h"
 #include "sim/record_source.h"
 #include "support/case_options.h"
@@ -145,12 +148,60 @@ bool write_case_seeds(const seed_place& place, const trace_case& trace) {
     return written;
 }
 
-/// A PCAP file behind the octet that pcap_import_fuzz reads; empty for a case that has no link type.
+/// A PCAP file behind the octet that pcap_fuzz and pcap_import_fuzz read; empty for a case that has no link type.
 std::string capture_seed(const trace_case& trace) {
     std::vector<std::uint8_t> file{0};
     std::size_t left_out = 0;
     std::string error;
     return export_capture(trace, {}, file, left_out, error) ? std::string(file.begin(), file.end()) : std::string();
+}
+
+void append_block(std::string& seed, const capture::block_buffer& block) { append(seed, block); }
+
+/// A pcapng file as ifwatch-extcap writes it, behind the octet that pcap_import_fuzz reads.
+std::string pcapng_seed(const trace_case& trace) {
+    std::string seed(1, '\0');
+    capture::block_buffer block;
+    const capture::link_layer link = capture::find_link_layer(trace.channel_type, {capture::LINK_PPP});
+    build_section_header(block, "seed");
+    append_block(seed, block);
+    for (const capture::link_layer& layer : {link, capture::cell_link_layer()}) {
+        build_interface_description(block, {.link_type = layer.type,
+                                            .name = "ifwatch-1000",
+                                            .description = "",
+                                            .filter = "",
+                                            .comment = capture::interface_type_comment(trace.channel_type)});
+        append_block(seed, block);
+    }
+    display_context context;
+    context.channel_type = trace.channel_type;
+    capture::link_frame frame;
+    for (const sim::case_record& record : trace.records) {
+        const record_header header{record.timestamp_ms, record.flags, record.info, record.sequence};
+        std::vector<std::uint8_t> data = record.data;
+        context.header = &header;
+        context.original_length = record.original_length;
+        context.payload = octets_of(data);
+        if (make_frame(context, link, frame)) {
+            build_enhanced_packet(block, {.interface_id = frame.cell ? 1U : 0U,
+                                          .time_ms = record.timestamp_ms,
+                                          .prefix = frame.prefix(),
+                                          .data = frame.data,
+                                          .original_length = frame.original_length,
+                                          .flags = frame.flags,
+                                          .lost = 1,
+                                          .id = frame.id,
+                                          .comment = frame.comment.text()});
+            append_block(seed, block);
+        }
+    }
+    return seed;
+}
+
+/// The same for pcapng_fuzz, which puts the type of the first block in front itself.
+std::string pcapng_reader_seed(const trace_case& trace) {
+    constexpr std::size_t block_type = 4;
+    return pcapng_seed(trace).erase(1, block_type);
 }
 
 bool write_seeds(const std::filesystem::path& directory, const std::filesystem::path& path) {
@@ -165,7 +216,11 @@ bool write_seeds(const std::filesystem::path& directory, const std::filesystem::
     text << std::ifstream(path, std::ios::binary).rdbuf();
     return write_seed(place, "case_file_fuzz", text.str()) &&
            write_seed(place, "element_fuzz", daemon_octets(trace, 3)) &&
-           write_seed(place, "pcap_import_fuzz", capture_seed(trace)) && write_case_seeds(place, trace);
+           write_seed(place, "pcap_fuzz", capture_seed(trace)) &&
+           write_seed(place, "pcapng_fuzz", pcapng_reader_seed(trace)) &&
+           write_seed(place, "pcap_import_fuzz", capture_seed(trace)) &&
+           write_seed({directory, place.name + "-ng"}, "pcap_import_fuzz", pcapng_seed(trace)) &&
+           write_case_seeds(place, trace);
 }
 
 /// What no case has in its options lines.
