@@ -1,6 +1,7 @@
 // Every record of the golden cases and the samples as ifwatch-extcap writes it, read back: the record that comes of its
-// packet is the router's. is_no_frame() lists those that no capture has. Of the others a packet does not hold flags of
-// more than eight bits, and VPI and VCI where there is no ATM; no router sends either, nor has a case one.
+// packet is the router's. is_no_frame() tells which of them are packets of the interface for events. Of a frame a
+// packet does not hold flags of more than eight bits, and VPI and VCI where there is no ATM; no router sends either,
+// nor has a case one.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -19,6 +20,7 @@
 #include "capture/record_frame.h"
 #include "extcap/bchannel_kinds.h"
 #include "sim/case_file.h"
+#include "sim/record_source.h"
 #include "support/captured_packets.h"
 #include "support/programs.h"
 
@@ -32,9 +34,19 @@ struct router_record {
     record_header header;
     std::uint32_t original_length = 0;
     octet_vector data;
+
+    [[nodiscard]] octet_vector octets() const {
+        octet_vector whole;
+        sim::append_record(whole,
+                           {header.timestamp_ms, header.record_flags, header.channel_info, header.sequence,
+                            static_cast<std::uint16_t>(original_length), data},
+                           -1);
+        return whole;
+    }
 };
 
-/// What a capture does not hold: events of the line, and records of which nothing is left without the octets in front.
+/// What is no packet of the interface's own link type: events of the line, and records of which nothing is left without
+/// the octets in front.
 bool is_no_frame(int channel_type, const router_record& record) {
     const std::uint32_t event = record.header.channel_info & 0xFF;
     const bool about_no_frame = event != 0 && channel_type != CHANNEL_ATM_OLD && find_line_error(event) == nullptr;
@@ -72,10 +84,10 @@ std::vector<router_record> records_of(const sim::trace_case& source) {
     return records;
 }
 
-/// A capture of the records that are frames, and which they are.
+/// A capture of the records, and how many of them are frames.
 struct written_capture {
     octet_vector file;
-    std::vector<const router_record*> frames;
+    std::size_t frames = 0;
 
     written_capture(int channel_type, const link_layer& link, std::vector<router_record>& records) {
         put_section(channel_type, link);
@@ -87,32 +99,37 @@ struct written_capture {
             context.header = &record.header;
             context.original_length = record.original_length;
             context.payload = octets_of(record.data);
-            if (make_frame(context, link, frame)) {
-                build_enhanced_packet(block, {.interface_id = frame.cell ? 1U : 0U,
-                                              .time_ms = record.header.timestamp_ms,
-                                              .prefix = frame.prefix(),
-                                              .data = frame.data,
-                                              .original_length = frame.original_length,
-                                              .flags = frame.flags,
-                                              .id = frame.id,
-                                              .comment = frame.comment.text()});
-                put(block);
-                frames.push_back(&record);
+            const octet_vector whole = record.octets();
+            const bool is_frame = make_frame(context, link, frame);
+            frames += is_frame ? 1 : 0;
+            if (!is_frame) {
+                make_event(context, whole, frame);
             }
+            build_enhanced_packet(block, {.interface_id = is_frame ? (frame.cell ? 1U : 0U) : 2U,
+                                          .time_ms = record.header.timestamp_ms,
+                                          .prefix = frame.prefix(),
+                                          .data = frame.data,
+                                          .original_length = frame.original_length,
+                                          .flags = frame.flags,
+                                          .id = frame.id,
+                                          .comment = frame.comment.text()});
+            put(block);
         }
     }
 
 private:
     void put_section(int channel_type, const link_layer& link) {
         block_buffer block;
+        int described = 0;
         build_section_header(block, "round trip");
         put(block);
-        for (const link_layer& layer : {link, cell_link_layer()}) {
+        for (const link_layer& layer : {link, cell_link_layer(), event_link_layer()}) {
+            const bool events = ++described == 3;
             build_interface_description(block, {.link_type = layer.type,
                                                 .name = "",
                                                 .description = "",
                                                 .filter = "",
-                                                .comment = interface_type_comment(channel_type)});
+                                                .comment = interface_type_comment(channel_type, events)});
             put(block);
         }
     }
@@ -135,13 +152,13 @@ std::size_t check(const sim::trace_case& source, const link_layer& link) {
     const written_capture written(source.channel_type, link, records);
     const auto no_frames = std::ranges::count_if(
         records, [&](const router_record& each) { return is_no_frame(source.channel_type, each); });
-    EXPECT_EQ(written.frames.size(), records.size() - static_cast<std::size_t>(no_frames));
+    EXPECT_EQ(written.frames, records.size() - static_cast<std::size_t>(no_frames));
     const test::captured_packets got(written.file);
     EXPECT_EQ(got.end, packet_read::END) << got.error;
-    EXPECT_EQ(got.packets.size(), written.frames.size());
+    EXPECT_EQ(got.packets.size(), records.size());
     record_clock clock;
     std::array<std::uint8_t, RECORD_DATA_MAXIMUM> data{};
-    for (std::size_t i = 0; i < std::min(got.packets.size(), written.frames.size()); ++i) {
+    for (std::size_t i = 0; i < std::min(got.packets.size(), records.size()); ++i) {
         test::kept_packet packet = got.packets[i];
         packet.data = packet.octets;
         packet.comment = packet.text;
@@ -149,15 +166,15 @@ std::size_t check(const sim::trace_case& source, const link_layer& link) {
         EXPECT_TRUE(of_packet && of_packet->own && of_packet->channel_type == source.channel_type);
         packet_record made;
         if (of_packet && make_packet_record(packet, *of_packet, sent_nothing{}, clock, data, made)) {
-            expect_equal(*written.frames[i], made, data);
+            expect_equal(records[i], made, data);
         } else {
             ADD_FAILURE() << "no record of packet " << packet.number;
         }
     }
-    return written.frames.size();
+    return written.frames;
 }
 
-TEST(round_trip, of_every_record_that_is_a_frame) {
+TEST(round_trip, of_every_record) {
     std::size_t frames = 0;
     std::set<int> channel_types;
     for (const std::filesystem::path& path : all_cases()) {

@@ -37,10 +37,10 @@ bool take(std::string_view& text, std::string_view words, int base, Number& numb
 
 }  // namespace
 
-std::string interface_comment(const noted_interface& noted) {
+std::string interface_type_comment(int channel_type, bool events) {
     std::string comment(INTERFACE_TYPE);
-    comment += std::to_string(noted.channel_type);
-    comment += noted.events ? EVENTS : "";
+    comment += std::to_string(channel_type);
+    comment += events ? EVENTS : "";
     return comment;
 }
 

@@ -27,7 +27,7 @@ struct noted_interface {
     bool operator==(const noted_interface&) const = default;
 };
 
-[[nodiscard]] std::string interface_comment(const noted_interface& noted);
+[[nodiscard]] std::string interface_type_comment(int channel_type, bool events = false);
 
 /// What such a comment tells; nothing of any other.
 [[nodiscard]] std::optional<noted_interface> parse_interface_comment(std::string_view comment);

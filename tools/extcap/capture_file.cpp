@@ -62,7 +62,7 @@ void capture_file::describe_port(captured_line& line, captured_line::port port) 
                                  .description = "Interface " + index + " of " + options_.host + ": " +
                                                 ifc_type_entry(line.channel_type).name + PORT_NAMES[port],
                                  .filter = options_.filter,
-                                 .comment = interface_comment({line.channel_type, port == captured_line::EVENTS})});
+                                 .comment = interface_type_comment(line.channel_type, port == captured_line::EVENTS)});
     line.ids[port] = static_cast<std::uint32_t>(counts_.size());
     counts_.emplace_back();
     put_block();

@@ -76,6 +76,7 @@ private:
     std::list<running_session> sessions_;
     std::uint64_t started_ = 0;
     std::atomic<std::uint64_t> traced_ = 0;
+    std::atomic<std::uint64_t> tracing_ = 0;
 };
 
 void client_server::run(int listener, int stop) {
@@ -107,8 +108,8 @@ void client_server::start(int socket) {
 }
 
 void client_server::serve(running_session& session, std::uint64_t number) {
-    const peer client(session.socket, wake_[0], setup_.trouble.kind == fault_kind::DRIP);
-    const session_report report = serve_session(client, setup_, cases_);
+    const peer client(session.socket, wake_[0], fault_of(setup_.faults, {}).kind == fault_kind::DRIP);
+    const session_report report = serve_session(client, setup_, cases_, tracing_);
     if (setup_.verbose) {
         log_session(number, report);
     }

@@ -23,8 +23,9 @@ struct record_selection {
 /// than events of the line. Records of other interfaces always pass.
 [[nodiscard]] bool selects(const record_selection& selection, const case_record& record);
 
-/// Sends the selected records at the pace and with the faults of the setup, until they have been sent as often as
+/// Sends the selected records at the pace of the setup and with the fault, until they have been sent as often as
 /// wanted, the client has gone or the daemon is to end. Returns how many went out whole.
-std::uint64_t send_records(const peer& client, const daemon_setup& setup, const record_selection& selection);
+std::uint64_t send_records(const peer& client, const daemon_setup& setup, const fault& trouble,
+                           const record_selection& selection);
 
 }  // namespace ifwatch::sim

@@ -36,10 +36,29 @@ std::int64_t interface_of(const trace_request& request) {
     return 1000 * std::int64_t{request.slot} + 100 * std::int64_t{request.unit} + request.channel;
 }
 
+/// One of the traces that a daemon serves at a time.
+class trace_place {
+public:
+    trace_place(std::atomic<std::uint64_t>& tracing, std::uint64_t limit)
+        : tracing_(tracing), taken_(++tracing <= limit || limit == 0) {}
+    ~trace_place() { --tracing_; }
+    trace_place(const trace_place&) = delete;
+    trace_place& operator=(const trace_place&) = delete;
+    trace_place(trace_place&&) = delete;
+    trace_place& operator=(trace_place&&) = delete;
+
+    [[nodiscard]] bool taken() const { return taken_; }
+
+private:
+    std::atomic<std::uint64_t>& tracing_;
+    bool taken_;
+};
+
 class session {
 public:
-    session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases)
-        : client_(client), setup_(setup), cases_(cases) {}
+    session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases,
+            std::atomic<std::uint64_t>& tracing)
+        : client_(client), setup_(setup), cases_(cases), tracing_(tracing) {}
 
     session_report run() {
         serve();
@@ -68,10 +87,12 @@ private:
     void send_error(std::string text);
     [[nodiscard]] const trace_case* find_case() const;
     bool closes_after(session_step step);
+    [[nodiscard]] const fault& trouble() const { return fault_of(setup_.faults, interface_of(request_)); }
 
     const peer& client_;
     const daemon_setup& setup_;
     const std::vector<trace_case>& cases_;
+    std::atomic<std::uint64_t>& tracing_;
     trace_request request_;
     client_wishes wishes_;
     session_report report_;
@@ -80,6 +101,10 @@ private:
 void session::serve() {
     if (closes_after(session_step::CONNECT) || !read_request() || closes_after(session_step::REQUEST)) {
         return;
+    }
+    if (trouble().kind == fault_kind::MUTE) {
+        client_.wait_for_end();
+        return end("nothing said");
     }
     const int asked = known_version(request_.version);
     const bool other_version = setup_.version != 0 && setup_.version != asked;
@@ -153,6 +178,13 @@ void session::serve_version_3() {
     const trace_case* const found = find_case();
     if (found == nullptr) {
         return send_error("no interface " + std::to_string(interface_of(request_)));
+    }
+    if (trouble().kind == fault_kind::REFUSE) {
+        return send_error("interface " + std::to_string(interface_of(request_)) + " is not to be traced");
+    }
+    const trace_place place(tracing_, setup_.limit);
+    if (!place.taken()) {
+        return send_error("no more than " + std::to_string(setup_.limit) + " traces at a time");
     }
     record_selection selection{*found, {}, {}, {}, 0};
     if (!prepare(selection) || !send_channel_type() || closes_after(session_step::CHANTYPE)) {
@@ -234,7 +266,7 @@ bool session::prepare(record_selection& selection) {
 }
 
 bool session::send_element(std::uint8_t type, std::span<const std::uint8_t> data) {
-    const fault& trouble = setup_.trouble;
+    const fault& trouble = this->trouble();
     const bool wrong = trouble.kind == fault_kind::ELEMENT_LENGTH && trouble.element == type;
     const auto length = wrong ? trouble.length : static_cast<std::uint32_t>(data.size());
     std::vector<std::uint8_t> element(4);
@@ -267,7 +299,7 @@ void session::send_list() {
 
 void session::stream(const record_selection& selection) {
     report_.traced = true;
-    report_.records = send_records(client_, setup_, selection);
+    report_.records = send_records(client_, setup_, trouble(), selection);
     end("trace of interface " + std::to_string(interface_of(request_)) + " ended");
 }
 
@@ -294,8 +326,9 @@ bool session::closes_after(session_step step) {
 
 }  // namespace
 
-session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases) {
-    return session(client, setup, cases).run();
+session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases,
+                             std::atomic<std::uint64_t>& tracing) {
+    return session(client, setup, cases, tracing).run();
 }
 
 }  // namespace ifwatch::sim

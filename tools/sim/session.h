@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -19,7 +20,9 @@ struct session_report {
 };
 
 /// Serves one client of the trace protocol, from the trace request to the last record. The cases are sorted by
-/// interface index and all have one. The socket is left open, our direction closed.
-session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases);
+/// interface index and all have one. `tracing` counts the sessions that send records. The socket is left open, our
+/// direction closed.
+session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases,
+                             std::atomic<std::uint64_t>& tracing);
 
 }  // namespace ifwatch::sim
