@@ -76,7 +76,8 @@ record_inbox::found record_inbox::next(std::span<std::uint8_t>& record) {
 
 record_read record_inbox::tell_end(int got) const {
     if (end_ - begin_ < RECORD_HEADER_LENGTH) {
-        return report_no_header(got);
+        const record_read end = report_no_header(got);
+        return begin_ == end_ ? end : record_read::BROKEN;
     }
     return report_no_data(got, announced_data(record_octets(&octets_[begin_], RECORD_HEADER_LENGTH)));
 }

@@ -46,7 +46,8 @@ public:
 
     /// Takes the next record.
     found next(std::span<std::uint8_t>& record);
-    /// Tells why no more can come: `got` is what the read returned, 0 or -1. Returns END or BROKEN.
+    /// Tells why no more can come: `got` is what the read returned, 0 or -1. Returns END, or BROKEN also inside the
+    /// header of a record.
     [[nodiscard]] record_read tell_end(int got) const;
 
     /// Lets the record that was just taken wait, behind those of its own time. True when it is now the first.

@@ -49,6 +49,7 @@ std::string describe_listless(std::string_view reports) {
 }  // namespace
 
 bool router_access::prepare(failure& why) {
+    keep_reports();
     why.status = STATUS_MISTAKE;
     if (options_.host.empty()) {
         why.text = "--host is missing: which router?";
@@ -80,7 +81,6 @@ void router_access::forget_password() {
 /// Sets the session up, once more when the first attempt names the version to use.
 opened_session router_access::open(std::int32_t index, addinfo_buffer addinfo, std::vector<listed_interface>* listed) {
     const bool list_mode = listed != nullptr;
-    keep_reports();
     trace_target target;
     split_interface_index(target, index);
     target.capture_length = options_.capture_length > 0 ? options_.capture_length : -1;

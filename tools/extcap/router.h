@@ -39,7 +39,8 @@ class router_access {
 public:
     explicit router_access(const plugin_options& options) : options_(options) {}
 
-    /// Checks the capture filter and finds the password. Needed before anything below.
+    /// Checks the capture filter of a capture and finds the password. Needed before anything below. From here on
+    /// reports are kept.
     bool prepare(failure& why);
 
     /// Asks the router for its interfaces.
@@ -59,8 +60,7 @@ private:
     addinfo_buffer filters_;
 };
 
-/// What was reported since the last call, as one line without what only tells progress. Reports are kept from the
-/// first session on.
+/// What was reported since the last call, as one line without what only tells progress.
 std::string take_reports();
 
 }  // namespace ifwatch::extcap

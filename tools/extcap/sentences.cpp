@@ -26,8 +26,8 @@ constexpr form_field FIELDS[] = {
     {"--index", "or their indexes", "string",
      "{tooltip=1000 * slot + 100 * unit + channel, such as 2100; also 2100,2102, 2100-2130, line:2100, slot:2 and "
      "all}"},
-    {"--bchannel", "B-channels carry", "editselector",
-     "{tooltip=The router does not tell what a B-channel is used for. ppp,2102=lapb sets 2102 apart}"},
+    {"--bchannel", "B-channels carry", "selector",
+     "{tooltip=The router does not tell what an ISDN B-channel is used for}"},
     {"--credentials", "Credentials file", "fileselect",
      "{mustexist=true}{tooltip=Lines of a router's name and its password. Without a file TRACE_PWD is the password}"},
     {"--capture-length", "Capture length", "integer",

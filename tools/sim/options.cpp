@@ -95,6 +95,7 @@ bool set_rate(const std::string& text, daemon_setup& setup) { return parse_posit
 bool set_loop(const std::string& text, daemon_setup& setup) { return parse_count(text, 0, setup.loops); }
 bool set_sessions(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.sessions); }
 bool set_limit(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.limit); }
+bool set_together(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.together); }
 bool set_once(const std::string& /*text*/, daemon_setup& setup) {
     setup.sessions = 1;
     return true;
@@ -120,6 +121,7 @@ constexpr known_option<daemon_setup> OPTIONS[] = {
     {"sessions", 0, set_sessions, "a number of sessions"},
     {"once", 0, set_once, nullptr},
     {"limit", 0, set_limit, "a number of traces"},
+    {"together", 0, set_together, "a number of traces"},
     {"fault", 0, set_fault,
      "one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, length=record:N:LENGTH and "
      "length=element:TYPE:LENGTH, once for an interface"},
@@ -168,6 +170,8 @@ Pace (full speed unless told otherwise):
   --pace real         send records at the speed of their time stamps
   --pace FACTOR       that many times as fast
   --rate N            send N records a second
+  --together N        send nothing before N traces have begun; their records are then on one clock, which stands where
+                      the earliest record of all cases is
   --loop N            send the records N times, 0 for no end; time stamps and sequence numbers go on
 
 Other daemons:

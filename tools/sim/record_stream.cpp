@@ -28,13 +28,21 @@ bool selects_atm(const record_selection& selection, const case_record& record) {
     return selection.vpi.value_or(vpi) == vpi && selection.vci.value_or(vci) == vci;
 }
 
+std::uint32_t first_time(const trace_case& source) {
+    return source.records.empty() ? 0 : source.records.front().timestamp_ms;
+}
+
 /// The stream of records to one client: collected at full speed, sent when the batch is full or something is waited
 /// for.
 class record_sender {
 public:
     record_sender(const peer& client, const daemon_setup& setup, const fault& trouble,
                   const record_selection& selection)
-        : client_(client), setup_(setup), trouble_(trouble), selection_(selection) {}
+        : client_(client),
+          setup_(setup),
+          trouble_(trouble),
+          selection_(selection),
+          start_(selection.start.value_or(clock_setting{clock::now(), first_time(selection.source)})) {}
 
     std::uint64_t run();
 
@@ -53,7 +61,7 @@ private:
     const record_selection& selection_;
     std::vector<std::uint8_t> batch_;
     std::size_t record_start_ = 0;  // of the newest record in the batch
-    clock::time_point start_ = clock::now();
+    clock_setting start_;
     std::uint64_t number_ = 0;  // of the newest record
     std::uint64_t sent_ = 0;
     std::uint32_t start_ms_ = 0;  // of the router's clock when it began anew, and the number of the record before
@@ -152,10 +160,10 @@ bool record_sender::wait_for_turn(std::uint32_t time_ms) {
 
 clock::time_point record_sender::due(std::uint32_t time_ms) const {
     using seconds = std::chrono::duration<double>;
-    const auto since_first = static_cast<std::int32_t>(time_ms - selection_.source.records.front().timestamp_ms);
+    const auto since_first = static_cast<std::int32_t>(time_ms - start_.time_ms);
     const double after =
         setup_.rate > 0 ? static_cast<double>(number_) / setup_.rate : since_first / 1000.0 / setup_.pace;
-    return start_ + std::chrono::duration_cast<clock::duration>(seconds(after));
+    return start_.when + std::chrono::duration_cast<clock::duration>(seconds(after));
 }
 
 bool record_sender::flush() {

@@ -10,13 +10,20 @@
 
 namespace ifwatch::sim {
 
+/// Where the clock of the time stamps stands.
+struct clock_setting {
+    peer::time_point when;
+    std::uint32_t time_ms = 0;
+};
+
 /// The records of a case that one client gets.
 struct record_selection {
     const trace_case& source;
     frame_filter filter;
     std::optional<int> vpi;  // of ATM records
     std::optional<int> vci;
-    std::int32_t capture_length = -1;  // octets of each frame; negative: all
+    std::int32_t capture_length = -1;         // octets of each frame; negative: all
+    std::optional<clock_setting> start = {};  // nothing: now it stands where the first record is
 };
 
 /// Whether the client gets this record: the filter holds for LAN and tunnel frames, VPI and VCI for ATM records other

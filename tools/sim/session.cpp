@@ -36,29 +36,10 @@ std::int64_t interface_of(const trace_request& request) {
     return 1000 * std::int64_t{request.slot} + 100 * std::int64_t{request.unit} + request.channel;
 }
 
-/// One of the traces that a daemon serves at a time.
-class trace_place {
-public:
-    trace_place(std::atomic<std::uint64_t>& tracing, std::uint64_t limit)
-        : tracing_(tracing), taken_(++tracing <= limit || limit == 0) {}
-    ~trace_place() { --tracing_; }
-    trace_place(const trace_place&) = delete;
-    trace_place& operator=(const trace_place&) = delete;
-    trace_place(trace_place&&) = delete;
-    trace_place& operator=(trace_place&&) = delete;
-
-    [[nodiscard]] bool taken() const { return taken_; }
-
-private:
-    std::atomic<std::uint64_t>& tracing_;
-    bool taken_;
-};
-
 class session {
 public:
-    session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases,
-            std::atomic<std::uint64_t>& tracing)
-        : client_(client), setup_(setup), cases_(cases), tracing_(tracing) {}
+    session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases, trace_room& room)
+        : client_(client), setup_(setup), cases_(cases), room_(room) {}
 
     session_report run() {
         serve();
@@ -81,7 +62,7 @@ private:
     bool send_element(std::uint8_t type, std::span<const std::uint8_t> data = {});
     bool send_channel_type();
     void send_list();
-    void stream(const record_selection& selection);
+    void stream(record_selection selection);
 
     void end(std::string result) { report_.result = std::move(result); }
     void send_error(std::string text);
@@ -92,7 +73,7 @@ private:
     const peer& client_;
     const daemon_setup& setup_;
     const std::vector<trace_case>& cases_;
-    std::atomic<std::uint64_t>& tracing_;
+    trace_room& room_;
     trace_request request_;
     client_wishes wishes_;
     session_report report_;
@@ -182,7 +163,7 @@ void session::serve_version_3() {
     if (trouble().kind == fault_kind::REFUSE) {
         return send_error("interface " + std::to_string(interface_of(request_)) + " is not to be traced");
     }
-    const trace_place place(tracing_, setup_.limit);
+    const trace_place place(room_);
     if (!place.taken()) {
         return send_error("no more than " + std::to_string(setup_.limit) + " traces at a time");
     }
@@ -297,8 +278,14 @@ void session::send_list() {
     end("interfaces listed");
 }
 
-void session::stream(const record_selection& selection) {
+void session::stream(record_selection selection) {
     report_.traced = true;
+    if (!room_.begin(client_)) {
+        return end("trace of interface " + std::to_string(interface_of(request_)) + " not begun");
+    }
+    if (setup_.together != 0) {
+        selection.start = {room_.start(), room_.origin_ms()};
+    }
     report_.records = send_records(client_, setup_, trouble(), selection);
     end("trace of interface " + std::to_string(interface_of(request_)) + " ended");
 }
@@ -327,8 +314,8 @@ bool session::closes_after(session_step step) {
 }  // namespace
 
 session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases,
-                             std::atomic<std::uint64_t>& tracing) {
-    return session(client, setup, cases, tracing).run();
+                             trace_room& room) {
+    return session(client, setup, cases, room).run();
 }
 
 }  // namespace ifwatch::sim

@@ -28,6 +28,7 @@ struct daemon_setup {
     std::uint64_t loops = 1;     // times the records are sent; 0: for ever
     std::uint64_t sessions = 0;  // trace sessions to serve; 0: any number
     std::uint64_t limit = 0;     // traces at a time; 0: any number
+    std::uint64_t together = 0;  // traces that wait for each other before the first record
     fault_list faults;
     bool verbose = false;
 };
