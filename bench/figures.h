@@ -49,6 +49,9 @@ void measure_dchannel(const workplace& place, figures& rows);
 void measure_start(const workplace& place, figures& rows);
 void measure_memory(const workplace& place, figures& rows);
 
+/// What the analyser's plug-in takes for a record of one interface, and of 64 at a time; its memory for each of them.
+void measure_captures(const workplace& place, figures& rows);
+
 /// Time per octet of records of growing length. Every measured point goes to the file `curves` as "SERIES LENGTH
 /// MICROSECONDS OCTETS-OF-TEXT".
 void measure_growth(const std::string& curves, figures& rows);

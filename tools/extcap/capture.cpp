@@ -165,8 +165,10 @@ void capture_run::finish_set_up(traced_interface& which) {
 }
 
 void capture_run::read(traced_interface& which) {
-    while (!which.inbox().has_room()) {
-        write_next();
+    if (!which.inbox().has_room()) {
+        while (!which.inbox().empty() && !which.inbox().has_ample_room()) {
+            write_next();
+        }
     }
     std::string reason;
     const bool open = which.read(reason);

@@ -9,7 +9,6 @@ namespace ifwatch::extcap {
 
 namespace {
 
-constexpr std::size_t LONGEST_RECORD = RECORD_HEADER_LENGTH + RECORD_DATA_MAXIMUM;
 constexpr std::size_t WORTH_MOVING = 128;  // records that were written
 
 }  // namespace
@@ -22,15 +21,13 @@ void record_inbox::open() {
     begin_ = end_ = last_ = 0;
     waiting_.clear();
     first_ = 0;
-}
-
-void record_inbox::close() {
-    octets_.reset();
-    waiting_ = {};
-    first_ = begin_ = end_ = 0;
+    as_stored_ = true;
 }
 
 std::size_t record_inbox::begin_of_used() const {
+    if (as_stored_) {
+        return empty() ? begin_ : offset_of(first());
+    }
     std::size_t begin = begin_;
     for (std::size_t i = first_; i < waiting_.size(); ++i) {
         begin = std::min(begin, offset_of(waiting_[i]));
@@ -38,9 +35,8 @@ std::size_t record_inbox::begin_of_used() const {
     return begin;
 }
 
-bool record_inbox::has_room() const {
-    const auto enough = [this](std::size_t begin) { return CAPACITY - (end_ - begin) >= LONGEST_RECORD; };
-    return waiting() < MAX_WAITING && (enough(0) || enough(begin_of_used()));
+bool record_inbox::has_room(std::size_t enough) const {
+    return waiting() < MAX_WAITING && CAPACITY - (end_ - begin_of_used()) >= enough;
 }
 
 std::span<std::uint8_t> record_inbox::room() {
@@ -91,6 +87,7 @@ bool record_inbox::keep(waiting_record record) {
         waiting_.erase(waiting_.begin(), waiting_.begin() + static_cast<std::ptrdiff_t>(first_));
         first_ = 0;
     }
+    as_stored_ = empty() || (as_stored_ && waiting_.back().order <= record.order);
     std::size_t at = waiting_.size();
     waiting_.push_back(record);
     for (; at > first_ && waiting_[at - 1].order > record.order; --at) {

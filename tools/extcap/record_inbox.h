@@ -35,11 +35,11 @@ public:
 
     /// Makes an empty one. Needed before anything else.
     void open();
-    /// Gives its memory back.
-    void close();
 
     /// Whether a record of any length can be read on to its end.
-    [[nodiscard]] bool has_room() const;
+    [[nodiscard]] bool has_room() const { return has_room(LONGEST_RECORD); }
+    /// Whether so much can be read that the next time is some way off.
+    [[nodiscard]] bool has_ample_room() const { return has_room(CAPACITY / 2); }
     /// Where the next octets go. Records that wait may move; what first() has given is no longer there.
     [[nodiscard]] std::span<std::uint8_t> room();
     void filled(std::size_t count) { end_ += count; }
@@ -63,6 +63,9 @@ public:
     std::size_t owner = 0;        // whose it is
 
 private:
+    static constexpr std::size_t LONGEST_RECORD = RECORD_HEADER_LENGTH + RECORD_DATA_MAXIMUM;
+
+    [[nodiscard]] bool has_room(std::size_t enough) const;
     [[nodiscard]] std::size_t begin_of_used() const;
     [[nodiscard]] std::size_t offset_of(const waiting_record& record) const { return record.position - base_; }
 
@@ -73,6 +76,7 @@ private:
     std::size_t last_ = 0;  // where the record that was taken last begins
     std::vector<waiting_record> waiting_;
     std::size_t first_ = 0;
+    bool as_stored_ = true;  // those that wait stand in the order of their octets
 };
 
 }  // namespace ifwatch::extcap
