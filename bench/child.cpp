@@ -7,9 +7,12 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <thread>
 
 namespace ifwatch::bench {
 
@@ -25,6 +28,25 @@ void direct(posix_spawn_file_actions_t& actions, int fd, int target, int flags) 
 
 double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+/// Resident memory in KiB, page by page and not as the system estimates it; 0 where it cannot be told.
+long resident_memory(pid_t child) {
+    std::ifstream file("/proc/" + std::to_string(child) + "/smaps_rollup");
+    for (std::string line; std::getline(file, line);) {
+        long kibibytes = 0;
+        if (std::sscanf(line.c_str(), "Rss: %ld", &kibibytes) == 1) {  // NOLINT(*-err34-c): a number of the system
+            return kibibytes;
+        }
+    }
+    return 0;
+}
+
+bool sleeps(pid_t child) {
+    std::ifstream file("/proc/" + std::to_string(child) + "/stat");
+    std::string words;
+    std::getline(file, words);
+    return words.find(") S ") != std::string::npos;
 }
 
 void close_end(int& fd) {
@@ -84,6 +106,13 @@ pipe_pair::~pipe_pair() {
 
 void pipe_pair::close_reading() { close_end(ends_[0]); }
 void pipe_pair::close_writing() { close_end(ends_[1]); }
+
+long memory_asleep(pid_t child) {
+    while (!sleeps(child)) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return resident_memory(child);
+}
 
 std::size_t drain(int fd) {
     std::vector<char> buffer(1 << 17);

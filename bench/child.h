@@ -25,6 +25,10 @@ struct ended_child {
 
 ended_child wait_for(pid_t child);
 
+/// The resident memory in KiB, page by page and not as the system estimates it, of a program once it sleeps; 0 where it
+/// cannot be told.
+[[nodiscard]] long memory_asleep(pid_t child);
+
 /// Both ends of a pipe that programs started later do not inherit; closed in the end.
 class pipe_pair {
 public:

@@ -52,6 +52,10 @@ void measure_memory(const workplace& place, figures& rows);
 /// What the analyser's plug-in takes for a record of one interface, and of 64 at a time; its memory for each of them.
 void measure_captures(const workplace& place, figures& rows);
 
+/// Captures read back: against tcpdump and tshark, against showing the same records from memory, from short to long
+/// ones, and the memory of it.
+void measure_read(const workplace& place, figures& rows);
+
 /// Time per octet of records of growing length. Every measured point goes to the file `curves` as "SERIES LENGTH
 /// MICROSECONDS OCTETS-OF-TEXT".
 void measure_growth(const std::string& curves, figures& rows);

@@ -3,10 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "child.h"
@@ -35,32 +32,10 @@ double time_to_first_record(const workplace& place, const server& simulator) {
     return wait_for(child).status == 0 && came ? taken.count() : 1e9;
 }
 
-/// Resident memory in KiB, page by page and not as the system estimates it; 0 where it cannot be told.
-long resident_memory(pid_t child) {
-    std::ifstream file("/proc/" + std::to_string(child) + "/smaps_rollup");
-    for (std::string line; std::getline(file, line);) {
-        long kibibytes = 0;
-        if (std::sscanf(line.c_str(), "Rss: %ld", &kibibytes) == 1) {  // NOLINT(*-err34-c): a number of the system
-            return kibibytes;
-        }
-    }
-    return 0;
-}
-
-bool sleeps(pid_t child) {
-    std::ifstream file("/proc/" + std::to_string(child) + "/stat");
-    std::string words;
-    std::getline(file, words);
-    return words.find(") S ") != std::string::npos;
-}
-
 /// The memory of the tracer once it waits for more: its system has all records, and it sleeps in no other place.
 long memory_when_idle(pid_t child, const server& feeder) {
     static_cast<void>(feeder.line());
-    while (!sleeps(child)) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    const long kibibytes = resident_memory(child);
+    const long kibibytes = memory_asleep(child);
     feeder.go_on();
     return kibibytes;
 }

@@ -6,14 +6,13 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <numeric>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "child.h"
 #include "figures.h"
+#include "runs.h"
 
 namespace ifwatch::bench {
 
@@ -26,13 +25,6 @@ constexpr double GOAL_OF_TEXT = 1.0 / 6;
 constexpr const char* MICROSECONDS = " us";
 constexpr const char* NANOSECONDS = " ns";
 
-using command = std::vector<std::string>;
-
-command operator+(command first, const command& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-}
-
 command serve(const workplace& place, const std::string& source) {
     return {place.program("trace_feeder"), std::to_string(RECORDS), source};
 }
@@ -44,37 +36,6 @@ command trace(const workplace& place, const server& feeder, const command& optio
 /// `sizes` is the name of the file that record_writes has left.
 command floor_of(const workplace& place, const server& feeder, const char* sizes) {
     return {place.program("floor_reader"), feeder.port(), place.file(sizes)};
-}
-
-void stop_unless(bool done, const command& what) {
-    if (!done) {
-        static_cast<void>(std::fprintf(stderr, "measure: %s failed\n", what[0].c_str()));
-        std::exit(1);
-    }
-}
-
-/// Processor time of a run in seconds.
-double run(const command& what, int output = -1) {
-    const pid_t child = start(what, {.output = output});
-    stop_unless(child > 0, what);
-    const ended_child ended = wait_for(child);
-    stop_unless(ended.status == 0, what);
-    return ended.processor_seconds;
-}
-
-/// The same into a pipe that is read as fast as it fills; adds what came to `text`.
-double run_into_pipe(const command& what, std::size_t& text) {
-    pipe_pair output;
-    std::thread reader([&] { text += drain(output.reading()); });
-    const double time = run(what, output.writing());
-    output.close_writing();
-    reader.join();
-    return time;
-}
-
-double run_into_pipe(const command& what) {
-    std::size_t ignored = 0;
-    return run_into_pipe(what, ignored);
 }
 
 /// Runs the tracer with a standard output that keeps its writes apart, and leaves their sizes in the file `name`.

@@ -127,9 +127,11 @@ lan=samples/lan-session.case
 show pcap "The same LAN, printed and at once written as PCAP" \
     "$build/ifwatch" --pcap-file --print -i --ofile="$OUT/lan-session.pcap" 127.0.0.1 "$(value "$lan" interface)"
 show tshark "... and read by another analyser" tshark -n -r "$OUT/lan-session.pcap"
+show read "... or read back, each packet that the router sent marked as such" \
+    "$build/ifwatch-read" -i --sent 02:00:01:01:02:03 "$OUT/lan-session.pcap"
 [ ! -x "$build/ifwatch-extcap" ] || show_analyser
 if "$build/ifwatch-sim" --help | grep -q "ifwatch-sim import"; then
-    show import "The PCAP file made into a case for the simulator: so anything captured elsewhere is decoded here" \
+    show import "The PCAP file made into a case for the simulator, for tests" \
         "$build/ifwatch-sim" import --sent 02:00:01:01:02:03 "$OUT/lan-session.pcap"
 fi
 

@@ -1,11 +1,13 @@
 #include "base/print.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+
+#include "base/patient_write.h"
+#include "base/terminal_text.h"
 
 namespace ifwatch {
 
@@ -13,32 +15,43 @@ namespace {
 
 constexpr std::size_t OUTPUT_CAPACITY = 65536;
 
-/// write(2) that waits for room also where the stream does not block: whoever shares a terminal or a pipe with this
-/// program may have set it so.
-long write_patiently(int fd, const char* data, std::size_t length) {
-    while (true) {
-        const long written = write(fd, data, length);
-        if (written >= 0 || errno != EAGAIN) {
-            return written;
-        }
-        pollfd stream{fd, POLLOUT, 0};
-        if (poll(&stream, 1, -1) < 0 && errno != EINTR) {
-            return -1;
-        }
-    }
+/// Asked of the system once; `asked` is false before.
+struct stream_kinds {
+    bool asked = false;
+    bool output_is_terminal = false;
+    bool errors_are_terminal = false;
+};
+
+long write_as_it_is(const char* data, std::size_t length) { return write_patiently(STDOUT_FILENO, data, length); }
+
+/// Takes all or fails.
+long write_for_terminal(const char* data, std::size_t length) {
+    return write_terminal_text(STDOUT_FILENO, {data, length}) ? static_cast<long>(length) : -1;
 }
 
-long write_to_standard_output(const char* data, std::size_t length) {
-    return write_patiently(STDOUT_FILENO, data, length);
-}
+/// The writer that stands until it is known what the standard output is.
+long ask_and_write(const char* data, std::size_t length);
 
 // A process has one standard output, and this is the state of it.
 // NOLINTBEGIN(*-avoid-non-const-global-variables)
 char output_buffer[OUTPUT_CAPACITY];
-output_writer writer = write_to_standard_output;
+stream_kinds streams;
+output_writer writer = ask_and_write;
 int first_error = 0;
 report_writer reporter = nullptr;
 // NOLINTEND(*-avoid-non-const-global-variables)
+
+const stream_kinds& known_streams() {
+    if (!streams.asked) {
+        ask_for_terminals();
+    }
+    return streams;
+}
+
+long ask_and_write(const char* data, std::size_t length) {
+    writer = known_streams().output_is_terminal ? write_for_terminal : write_as_it_is;
+    return writer(data, length);
+}
 
 /// A stretch of output that is kept to a bound: where it begins in the buffer, and how much more of it is kept.
 struct output_bound {
@@ -78,11 +91,20 @@ bool drain_output(text_sink& sink) {
 
 }  // namespace
 
+void ask_for_terminals() {
+    streams = {.asked = true,
+               .output_is_terminal = isatty(STDOUT_FILENO) == 1,
+               .errors_are_terminal = isatty(STDERR_FILENO) == 1};
+}
+
+bool output_is_terminal() { return known_streams().output_is_terminal; }
+bool errors_are_terminal() { return known_streams().errors_are_terminal; }
+
 // NOLINTNEXTLINE(*-avoid-non-const-global-variables): as above
 text_sink standard_output{output_buffer, OUTPUT_CAPACITY, 0, drain_output};
 
 void set_output_writer(output_writer replacement) {
-    writer = replacement != nullptr ? replacement : write_to_standard_output;
+    writer = replacement != nullptr ? replacement : ask_and_write;
     first_error = 0;
     standard_output.used = 0;
     bound.active = false;
@@ -106,20 +128,25 @@ void end_bounded_output() {
 
 void set_report_writer(report_writer replacement) { reporter = replacement; }
 
+void write_errors(std::string_view text) {
+    static_cast<void>(errors_are_terminal() ? write_terminal_text(STDERR_FILENO, text)
+                                            : write_whole(STDERR_FILENO, text));
+}
+
 void write_report(std::string_view text) {
     flush_output();
     if (reporter != nullptr) {
         reporter(text);
         return;
     }
-    while (!text.empty()) {
-        const long written = write_patiently(STDERR_FILENO, text.data(), text.size());
-        if (written > 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (written == 0 || errno != EINTR) {
-            return;
-        }
-    }
+    write_errors(text);
+}
+
+void report_count(std::uint32_t count) {
+    text_buffer<32> text;
+    print_to<"\b\b\b\b\b\b\b\b%8lu">(text, count);
+    flush_output();
+    static_cast<void>(write_whole(STDERR_FILENO, text.text()));
 }
 
 bool drain_report(text_sink& sink) {

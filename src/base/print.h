@@ -9,10 +9,18 @@
 
 namespace ifwatch {
 
+/// Asks the system which of the two streams are terminals. A text for one of these leaves in the form of
+/// terminal_text.h, any other as it is. Asked once for the whole run, by this call or else by the first text: a program
+/// that gives up system calls or starts threads calls this before.
+void ask_for_terminals();
+[[nodiscard]] bool output_is_terminal();
+[[nodiscard]] bool errors_are_terminal();
+
 /// The standard output: one buffer, written once per record by flush_output and early only when it fills.
 extern text_sink standard_output;  // NOLINT(*-avoid-non-const-global-variables): a process has one
 
-/// How the standard output leaves: like write(2), called until all is taken; replaced by tests.
+/// How the standard output leaves, whatever it is: like write(2), called until all is taken. nullptr leads it back to
+/// where it was.
 using output_writer = long (*)(const char* data, std::size_t length);
 void set_output_writer(output_writer replacement);
 
@@ -42,6 +50,14 @@ void set_report_writer(report_writer replacement);
 /// Writes a text to the error stream at once. What stands in the output buffer goes out first, so that both streams
 /// on one terminal keep their order.
 void write_report(std::string_view text);
+
+/// Writes a text to the error stream at once, and touches nothing else: for threads, once ask_for_terminals was called.
+/// What cannot be written is lost.
+void write_errors(std::string_view text);
+
+/// Shows a count over the last one, both of at least eight characters. The backspaces that this takes are the only
+/// ones that reach a terminal.
+void report_count(std::uint32_t count);
 
 /// Empties a full buffer into the error stream.
 bool drain_report(text_sink& sink);

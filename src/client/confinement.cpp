@@ -28,6 +28,9 @@ constexpr std::array<int, 7> NEEDED_FOR_PIPE = {
     SCMP_SYS(getpid), SCMP_SYS(gettid),   SCMP_SYS(rt_sigreturn),
 };
 
+// Most systems tell the time without a call.
+constexpr std::array<int, 2> NEEDED_FOR_CLOCK = {SCMP_SYS(clock_gettime), SCMP_SYS(clock_gettime64)};
+
 int allow(const filter& calls, int number) { return seccomp_rule_add(calls.get(), SCMP_ACT_ALLOW, number, 0); }
 
 /// Allows a call when its first argument, a descriptor or a process, is this one.
@@ -49,8 +52,10 @@ int first_failure(Results... results) {
 
 int allow_files(const filter& calls, const record_loop_files& files) {
     int failure = first_failure(allow_with(calls, SCMP_SYS(write), STDOUT_FILENO),
-                                allow_with(calls, SCMP_SYS(write), STDERR_FILENO),
-                                allow_with(calls, SCMP_SYS(close), files.input_fd));
+                                allow_with(calls, SCMP_SYS(write), STDERR_FILENO));
+    if (failure == 0 && files.input_fd >= 0) {
+        failure = allow_with(calls, SCMP_SYS(close), files.input_fd);
+    }
     if (failure == 0 && files.sink_fd >= 0) {
         failure = first_failure(allow_with(calls, SCMP_SYS(write), files.sink_fd),
                                 allow_with(calls, SCMP_SYS(close), files.sink_fd));
@@ -85,6 +90,9 @@ int confine_to_record_loop(const record_loop_files& files) {
     int failure = first_failure(prepare(calls), allow_files(calls, files), allow_all(calls, ALWAYS_NEEDED));
     if (failure == 0 && files.has_pipe) {
         failure = first_failure(allow_all(calls, NEEDED_FOR_PIPE), allow_with(calls, SCMP_SYS(tgkill), getpid()));
+    }
+    if (failure == 0 && files.asks_clock) {
+        failure = allow_all(calls, NEEDED_FOR_CLOCK);
     }
     return failure != 0 ? -failure : -seccomp_load(calls.get());
 }

@@ -2,11 +2,12 @@
 
 namespace ifwatch {
 
-/// What the record loop works with.
+/// What the record loop works with, beside the standard output and the error stream.
 struct record_loop_files {
-    int input_fd = -1;      // the session
-    int sink_fd = -1;       // -1: none
-    bool has_pipe = false;  // a signal, or the end of the run, removes it
+    int input_fd = -1;        // the session; -1: what is read is closed with the end of the process
+    int sink_fd = -1;         // -1: none
+    bool has_pipe = false;    // a signal, or the end of the run, removes it
+    bool asks_clock = false;  // the time is asked for
 };
 
 /// Gives up, for the rest of the process, every system call that the record loop, the signal handlers and the exit do

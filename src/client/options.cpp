@@ -3,19 +3,17 @@
 #include <getopt.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <iterator>
 #include <span>
 
 #include "base/print.h"
-#include "base/verbose.h"
-#include "display/mode_flags.h"
+#include "base/text_sink.h"
 
 namespace ifwatch {
 
 namespace {
 
-constexpr char SHORT_OPTIONS[] = "?!23FADehapfiNtvV:zxXn:T:c:r:H:P:I:B:o";
+constexpr char OTHER_LETTERS[] = "?V:zn:r:H:P:I:B:o";
 
 enum long_option : int {
     OPTION_SRC = 256,  // above every one-letter option
@@ -50,60 +48,33 @@ constexpr ::option LONG_OPTIONS[] = {
     {nullptr, 0, nullptr, 0},
 };
 
-/// As atoi converts, but a number that does not fit keeps its low 32 bits.
-std::int32_t decimal(const char* text) { return static_cast<std::int32_t>(std::strtoll(text, nullptr, 10)); }
-
-/// What one option does: mode bits it sets, a filter it adds, or a setting it changes.
+/// What one option does: a filter it adds, or a setting it changes.
 struct option_rule {
     int key = 0;
-    std::uint32_t mode_bits = 0;
     char filter_kind = '\0';
     void (*apply)(options& settings, const char* argument) = nullptr;
 };
 
-constexpr option_rule mode(char letter, std::uint32_t bits) { return {.key = letter, .mode_bits = bits}; }
 constexpr option_rule filter(int key, char kind) { return {.key = key, .filter_kind = kind}; }
 constexpr option_rule setting(int key, void (*apply)(options&, const char*)) { return {.key = key, .apply = apply}; }
 
 constexpr option_rule OPTION_RULES[] = {
-    mode('h', MODE_HEX),
-    mode('!', MODE_FULL_HEX),
-    mode('2', MODE_LAYER2 | MODE_LAYER2_ASKED),
-    mode('3', MODE_LAYER3 | MODE_LAYER3_ASKED),
-    mode('F', MODE_FAX),
-    mode('A', MODE_FAX | MODE_FAX_AT),
-    mode('D', MODE_DELTA_TIME),
-    mode('e', MODE_EFT),
-    mode('p', MODE_PPP),
-    mode('a', MODE_ASYNC_HDLC),
-    mode('f', MODE_FRAME_RELAY),
-    mode('i', MODE_IP),
-    mode('N', MODE_IPX),
-    mode('t', MODE_TEXT),
-    mode('x', MODE_RAW),
-    mode('X', MODE_PPP_X75),
-    {.key = 'T',
-     .mode_bits = MODE_TEI_FILTER,
-     .apply = [](options& settings, const char* argument) { settings.tei_filter = decimal(argument); }},
-    {.key = 'c',
-     .mode_bits = MODE_CREF_FILTER,
-     .apply = [](options& settings, const char* argument) { settings.cref_filter = decimal(argument); }},
     filter('I', 'I'),
     filter('B', 'B'),
     filter('o', 'o'),
     filter(OPTION_SRC, 's'),
     filter(OPTION_DST, 'd'),
     filter(OPTION_LLC, 'l'),
-    setting('v', [](options&, const char*) { ++verbose_level; }),
-    setting('V', [](options& settings, const char* argument) { settings.version = decimal(argument); }),
+    setting('V', [](options& settings, const char* argument) { settings.version = option_number(argument); }),
     setting('P', [](options& settings,
-                    const char* argument) { settings.port = static_cast<std::uint16_t>(decimal(argument)); }),
-    setting('r', [](options& settings, const char* argument) { settings.target.capture_length = decimal(argument); }),
+                    const char* argument) { settings.port = static_cast<std::uint16_t>(option_number(argument)); }),
+    setting('r',
+            [](options& settings, const char* argument) { settings.target.capture_length = option_number(argument); }),
     setting('z', [](options& settings, const char*) { settings.atm.flags |= 1; }),
     setting('H', [](options& settings, const char* argument) { settings.host = argument; }),
     setting('n', [](options&, const char*) {}),  // accepted, without effect
-    setting(OPTION_VPI, [](options& settings, const char* argument) { settings.atm.vpi = decimal(argument); }),
-    setting(OPTION_VCI, [](options& settings, const char* argument) { settings.atm.vci = decimal(argument); }),
+    setting(OPTION_VPI, [](options& settings, const char* argument) { settings.atm.vpi = option_number(argument); }),
+    setting(OPTION_VCI, [](options& settings, const char* argument) { settings.atm.vci = option_number(argument); }),
     setting(OPTION_ETHEREAL,
             [](options& settings, const char*) {
                 settings.sink = SINK_PIPE;
@@ -112,32 +83,19 @@ constexpr option_rule OPTION_RULES[] = {
     setting(OPTION_PCAP_PIPE, [](options& settings, const char*) { settings.sink = SINK_PIPE; }),
     setting(OPTION_PCAP_FILE, [](options& settings, const char*) { settings.sink = SINK_FILE; }),
     setting(OPTION_PCAP_LINKTYPE,
-            [](options& settings, const char* argument) { settings.pcap_linktype = decimal(argument); }),
+            [](options& settings, const char* argument) { settings.pcap_linktype = option_number(argument); }),
     setting(OPTION_OFILE, [](options& settings, const char* argument) { settings.output_name = argument; }),
     setting(OPTION_PWD, [](options& settings, const char*) { settings.password.take(optarg); }),
     setting(OPTION_PRINT, [](options& settings, const char*) { settings.print = true; }),
 };
 
 void apply_rule(const option_rule& rule, options& settings, const char* argument) {
-    settings.mode_flags |= rule.mode_bits;
     if (rule.filter_kind != '\0') {
         addinfo_buffer& addinfo = settings.addinfo;
         addinfo.used = add_filter(addinfo.data, argument, rule.filter_kind, addinfo.used);
     }
     if (rule.apply != nullptr) {
         rule.apply(settings, argument);
-    }
-}
-
-/// Mode bits that follow from others.
-void complete_mode_flags(std::uint32_t& flags) {
-    if ((flags & MODE_ASYNC_HDLC) != 0 && (flags & MODE_HEX) != 0) {
-        // Reassembled frames are shown in hexadecimal instead of the slices they came in.
-        flags &= ~(MODE_HEX | MODE_FULL_HEX);
-        flags |= MODE_ASYNC_HEX;
-    }
-    if ((flags & MODE_RAW) != 0) {
-        flags |= MODE_HEX | MODE_FULL_HEX;
     }
 }
 
@@ -148,12 +106,12 @@ command take_positional(std::span<char*> arguments, options& settings) {
             settings.list_mode = settings.version > 2;
             break;
         case 2:
-            split_interface_index(target, decimal(arguments[1]));
+            split_interface_index(target, option_number(arguments[1]));
             break;
         case 4:
-            target.channel = decimal(arguments[1]);
-            target.unit = decimal(arguments[2]);
-            target.slot = decimal(arguments[3]);
+            target.channel = option_number(arguments[1]);
+            target.unit = option_number(arguments[2]);
+            target.slot = option_number(arguments[3]);
             break;
         default:
             return command::SHOW_USAGE;
@@ -176,10 +134,16 @@ bool complete_addinfo(options& settings) {
 }  // namespace
 
 command parse_options(int argc, char** argv, options& settings) {
+    text_buffer<sizeof DECODER_LETTERS + sizeof OTHER_LETTERS> letters;
+    put(letters, DECODER_LETTERS);
+    put(letters, OTHER_LETTERS);
     optind = 0;  // so that getopt_long starts afresh with every command line
-    for (int key = 0; (key = getopt_long(argc, argv, SHORT_OPTIONS, LONG_OPTIONS, nullptr)) != -1;) {
+    for (int key = 0; (key = getopt_long(argc, argv, letters.c_str(), LONG_OPTIONS, nullptr)) != -1;) {
         if (key == OPTION_HELP) {
             return command::SHOW_HELP;
+        }
+        if (take_decoder_option(key, optarg, settings)) {
+            continue;
         }
         const auto* const rule = std::ranges::find(OPTION_RULES, key, &option_rule::key);
         if (rule == std::end(OPTION_RULES)) {

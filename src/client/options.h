@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "client/decoder_options.h"
 #include "client/secret.h"
 #include "trace/addinfo.h"
 #include "trace/trace_target.h"
@@ -19,11 +20,7 @@ inline constexpr std::int32_t DEFAULT_VERSION = 3;
 inline constexpr std::uint16_t DEFAULT_PORT = 7000;
 
 /// The configuration of a run. Texts point into the argument vector.
-struct options {
-    std::uint32_t mode_flags = 0;
-    std::int32_t tei_filter = -1;   // -T; -1: none
-    std::int32_t cref_filter = -1;  // -c; -1: none
-
+struct options : decoder_options {
     const char* host = nullptr;  // as typed
     std::uint16_t port = DEFAULT_PORT;
     std::int32_t version = DEFAULT_VERSION;  // of the trace protocol, as asked for

@@ -107,6 +107,7 @@ int run(int argc, char** argv) {
     if (!occupy_standard_streams()) {
         return 1;
     }
+    ask_for_terminals();
     if (argc > 0) {
         set_program_name(argv[0]);
         argv[0] = program_name_argument();  // messages about options, too, begin with the name

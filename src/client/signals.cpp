@@ -11,6 +11,7 @@
 
 #include "base/format.h"
 #include "base/print.h"
+#include "base/terminal_text.h"
 #include "base/verbose.h"
 
 namespace ifwatch {
@@ -32,18 +33,31 @@ bool takes_text() {
     return poll(&stream, 1, 0) > 0;
 }
 
-template <format_text Format, class... Arguments>
-void report_from_handler(const Arguments&... arguments) {
-    text_buffer<PATH_MAX + 128> buffer;
-    print_to<Format>(buffer, arguments...);
-    std::string_view text = buffer.text();
+bool write_while_taken(text_sink& sink) {
+    std::string_view text = sink.text();
+    sink.used = 0;
     while (!text.empty() && takes_text()) {
         const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
         if (written <= 0) {
-            return;
+            return false;
         }
         text.remove_prefix(static_cast<std::size_t>(written));
     }
+    return text.empty();
+}
+
+template <format_text Format, class... Arguments>
+void report_from_handler(const Arguments&... arguments) {
+    text_buffer<PATH_MAX + 128> text;
+    print_to<Format>(text, arguments...);
+    if (!errors_are_terminal()) {
+        write_while_taken(text);
+        return;
+    }
+    text_buffer<PATH_MAX + 128> shown;
+    shown.drain = write_while_taken;
+    put_terminal_text(shown, text.text());
+    write_while_taken(shown);
 }
 
 void end_by_signal(int number) {

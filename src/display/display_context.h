@@ -43,7 +43,8 @@ struct display_context {
     std::uint32_t mode_flags = 0;
     std::int32_t channel_type = 0;
 
-    std::uint32_t first_time = 0;  // ms; 0: no record shown yet
+    std::uint32_t first_time = 0;  // ms; 0: no record shown yet,
+    bool zero_is_time = false;     // unless this says that one was, at 0
     std::uint32_t previous_time = 0;
     std::uint32_t expected_sequence = 0;
 

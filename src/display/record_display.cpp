@@ -32,7 +32,7 @@ shown_record begin_record(display_context& context) {
 
 /// Writes the times since the first and the previous record, or a bare line end; then `time` is the previous one.
 void take_time(text_sink& out, display_context& context, std::uint32_t time) {
-    if (context.first_time == 0) {
+    if (context.first_time == 0 && !context.zero_is_time) {
         context.first_time = time;
         context.previous_time = time;
     }

@@ -12,12 +12,6 @@
 
 namespace ifwatch {
 
-namespace {
-
-void count_record(std::uint32_t sequence) { report<"\b\b\b\b\b\b\b\b%8lu">(sequence); }
-
-}  // namespace
-
 int announced_data(record_octets header) { return load_be16(header.data()) - RECORD_HEADER_LENGTH; }
 
 bool can_be_held(int announced) { return announced >= 0 && announced <= RECORD_DATA_MAXIMUM; }
@@ -69,7 +63,7 @@ int receive_records(int socket_fd, const stream_settings& settings, display_cont
         if (decodes) {
             display_record(context);
         } else {
-            count_record(context.header->sequence);
+            report_count(context.header->sequence);
         }
         writable = flush_output();
     }

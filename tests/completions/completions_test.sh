@@ -82,4 +82,12 @@ expect 'ifwatch-sim import --sent ' "$(lines all none)"
 for subcommand in import export; do
     expect "ifwatch-sim $subcommand -" "$(sh "$tests/support/usage_options.sh" "$programs/ifwatch-sim" "$subcommand")"
 done
+
+expect "$programs/ifwatch-read -" "$(sh "$tests/support/usage_options.sh" "$programs/ifwatch-read")"
+expect 'ifwatch-read --sent=' "$(lines all none)"
+expect 'ifwatch-read --color=a' "$(lines always auto)"
+expect 'ifwatch-read --type 1' "$(lines 1 118 131 16)"
+: >night.pcapng
+expect 'ifwatch-read -i trac' "$(lines 'trace one.pcap' trace2.pcap)"
+expect 'ifwatch-read trace2.pcap ni' night.pcapng
 [ "$failures" -eq 0 ]

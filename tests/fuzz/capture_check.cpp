@@ -15,15 +15,6 @@ namespace {
 
 using namespace capture;
 
-/// A file in memory with these octets.
-int file_of(std::span<const std::uint8_t> octets) {
-    static const int fd = memfd_create("capture", MFD_CLOEXEC);
-    require(fd >= 0 && ftruncate(fd, 0) == 0, "there is a file");
-    require(pwrite(fd, octets.data(), octets.size(), 0) == static_cast<ssize_t>(octets.size()), "it holds the input");
-    lseek(fd, 0, SEEK_SET);
-    return fd;
-}
-
 /// What has to hold of each packet behind the one before.
 class packet_check {
 public:
@@ -64,6 +55,14 @@ void check_record(const captured_packet& packet, const packet_source& source, re
 }
 
 }  // namespace
+
+int file_of(std::span<const std::uint8_t> octets) {
+    static const int fd = memfd_create("capture", MFD_CLOEXEC);
+    require(fd >= 0 && ftruncate(fd, 0) == 0, "there is a file");
+    require(pwrite(fd, octets.data(), octets.size(), 0) == static_cast<ssize_t>(octets.size()), "it holds the input");
+    lseek(fd, 0, SEEK_SET);
+    return fd;
+}
 
 void check_capture(std::span<const std::uint8_t> file, int channel_type) {
     byte_stream stream(file_of(file));

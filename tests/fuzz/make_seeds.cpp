@@ -11,13 +11,12 @@
 #include <string>
 #include <vector>
 
-#include "capture/own_capture.h"
-#include "capture/pcapng_writer.h"
-#include "capture/record_frame.h"
+#include "base/print.h"
 #include "sim/capture_export.h"
 #include "sim/case_file.h"
 #include "sim/record_source.h"
 #include "support/case_options.h"
+#include "support/written_capture.h"
 #include "trace/auth.h"
 #include "trace/element.h"
 #include "trace/record_stream.h"
@@ -156,45 +155,11 @@ std::string capture_seed(const trace_case& trace) {
     return export_capture(trace, {}, file, left_out, error) ? std::string(file.begin(), file.end()) : std::string();
 }
 
-void append_block(std::string& seed, const capture::block_buffer& block) { append(seed, block); }
-
 /// A pcapng file as ifwatch-extcap writes it, behind the octet that pcap_import_fuzz reads.
 std::string pcapng_seed(const trace_case& trace) {
-    std::string seed(1, '\0');
-    capture::block_buffer block;
     const capture::link_layer link = capture::find_link_layer(trace.channel_type, {capture::LINK_PPP});
-    build_section_header(block, "seed");
-    append_block(seed, block);
-    for (const capture::link_layer& layer : {link, capture::cell_link_layer()}) {
-        build_interface_description(block, {.link_type = layer.type,
-                                            .name = "ifwatch-1000",
-                                            .description = "",
-                                            .filter = "",
-                                            .comment = capture::interface_type_comment(trace.channel_type)});
-        append_block(seed, block);
-    }
-    display_context context;
-    context.channel_type = trace.channel_type;
-    capture::link_frame frame;
-    for (const sim::case_record& record : trace.records) {
-        const record_header header{record.timestamp_ms, record.flags, record.info, record.sequence};
-        std::vector<std::uint8_t> data = record.data;
-        context.header = &header;
-        context.original_length = record.original_length;
-        context.payload = octets_of(data);
-        if (make_frame(context, link, frame)) {
-            build_enhanced_packet(block, {.interface_id = frame.cell ? 1U : 0U,
-                                          .time_ms = record.timestamp_ms,
-                                          .prefix = frame.prefix(),
-                                          .data = frame.data,
-                                          .original_length = frame.original_length,
-                                          .flags = frame.flags,
-                                          .lost = 1,
-                                          .id = frame.id,
-                                          .comment = frame.comment.text()});
-            append_block(seed, block);
-        }
-    }
+    std::string seed(1, '\0');
+    append(seed, test::written_capture(trace, link).file);
     return seed;
 }
 
@@ -208,7 +173,7 @@ bool write_seeds(const std::filesystem::path& directory, const std::filesystem::
     trace_case trace;
     std::string error;
     if (!sim::read_case_file(path.string(), trace, error)) {
-        std::fprintf(stderr, "%s\n", error.c_str());
+        write_errors(error + "\n");
         return false;
     }
     const seed_place place{directory, path.parent_path().filename().string() + "-" + path.stem().string()};

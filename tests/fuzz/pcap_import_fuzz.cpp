@@ -10,11 +10,11 @@
 #include <span>
 #include <string>
 
+#include "capture_check.h"
 #include "display_check.h"
 #include "sim/capture_export.h"
 #include "sim/capture_import.h"
 #include "sim/case_text.h"
-#include "support/octet_file.h"
 #include "trace/record_stream.h"
 
 namespace {
@@ -39,8 +39,7 @@ import_settings settings_of(std::uint8_t choice) {
 
 /// The case that a file becomes. False where it cannot.
 bool import_file(std::span<const std::uint8_t> file, const import_settings& settings, trace_case& imported) {
-    const ifwatch::test::octet_file input(file);
-    byte_stream stream(input.fd());
+    byte_stream stream(ifwatch::fuzz::file_of(file));
     std::string text;
     std::string error;
     const import_outcome outcome = import_capture(stream, settings, "fuzzed", [&text](std::string_view part) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "base/print.h"
 #include "golden/golden_compare.h"
 #include "sim/case_file.h"
 #include "sim/text_parts.h"
@@ -160,12 +161,12 @@ bool holds(const runner_options& options, const std::string& path) {
     trace_case golden;
     std::string error;
     if (!read_case_file(path, golden, error)) {
-        static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
+        ifwatch::write_errors(error + "\n");
         return false;
     }
     const failure wrong = check_case(options, golden);
     if (!wrong.empty()) {
-        static_cast<void>(std::fprintf(stderr, "%s: %s", path.c_str(), wrong.c_str()));
+        ifwatch::write_errors(path + ": " + wrong);
     }
     return wrong.empty();
 }

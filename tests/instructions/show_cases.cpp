@@ -1,7 +1,6 @@
 // Shows the records of case files for whoever counts what that takes: each file, under all its options lines, in one
 // call of show_case, which reads no file and prints to nowhere. Usage: show_cases CASE...
 
-#include <cstdio>
 #include <memory>
 #include <span>
 #include <string>
@@ -28,7 +27,7 @@ long discard(const char* /*data*/, std::size_t length) { return static_cast<long
 bool read_case(const std::string& path, shown_case& what) {
     std::string error;
     if (!sim::read_case_file(path, what.trace, error)) {
-        static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
+        write_errors(error + "\n");
         return false;
     }
     for (const std::string& options : what.trace.options) {

@@ -23,7 +23,7 @@ done
 makewhatis "$scratch"
 export MANPATH="$scratch"
 
-for page in ifwatch.1 ifwatch-sim.1 ifwatch-extcap.1 ifwatch-case.5; do
+for page in ifwatch.1 ifwatch-read.1 ifwatch-sim.1 ifwatch-extcap.1 ifwatch-case.5; do
     mandoc -T lint -W style "$pages/$page" >"$scratch/found" || status=1
     cat "$scratch/found"
     [ ! -s "$scratch/found" ] || status=1

@@ -76,15 +76,18 @@ dpkg --root="$root" --log="$scratch/dpkg.log" --path-include="*" -i "$package" >
     cat "$scratch/install.txt"
     fail "the package could not be installed"
 }
-for file in bin/ifwatch bin/ifwatch-sim share/man/man1/ifwatch.1.gz share/man/man1/ifwatch-sim.1.gz \
+for file in bin/ifwatch bin/ifwatch-read bin/ifwatch-sim share/man/man1/ifwatch.1.gz share/man/man1/ifwatch-read.1.gz \
+    share/man/man1/ifwatch-sim.1.gz \
     share/man/man5/ifwatch-case.5.gz share/bash-completion/completions/ifwatch \
-    share/bash-completion/completions/ifwatch-sim share/zsh/vendor-completions/_ifwatch \
+    share/bash-completion/completions/ifwatch-read share/bash-completion/completions/ifwatch-sim \
+    share/zsh/vendor-completions/_ifwatch share/zsh/vendor-completions/_ifwatch-read \
     share/zsh/vendor-completions/_ifwatch-sim share/fish/vendor_completions.d/ifwatch.fish \
+    share/fish/vendor_completions.d/ifwatch-read.fish \
     share/fish/vendor_completions.d/ifwatch-sim.fish share/ifwatch/samples/lan-session.case \
     share/doc/ifwatch/README.md; do
     [ -s "$root/usr/$file" ] || fail "the package has no $file"
 done
-for sample in "$tests"/../samples/*.case; do
+for sample in "$tests"/../samples/*; do
     cmp "$sample" "$root/usr/share/ifwatch/samples/${sample##*/}" || fail "a sample is not what it was"
 done
 
@@ -99,6 +102,11 @@ frames=$(grep -c '^record' "$tests/../samples/lan-session.case")
 [ "$(grep -c '^[0-9.]* [RX] DATA' "$scratch/trace")" -eq "$frames" ] || fail "the trace lacks frames"
 wait "$simulator" || fail "ifwatch-sim ended with status $?"
 simulator=''
+chroot "$root" /usr/bin/ifwatch-sim export /usr/share/ifwatch/samples/lan-session.case -o /tmp/lan.pcap &&
+    chroot "$root" /usr/bin/ifwatch-read -i /tmp/lan.pcap >"$scratch/read" 2>"$scratch/report" ||
+    fail "ifwatch-read ended with status $?: $(cat "$scratch/report")"
+rm "$root/tmp/lan.pcap"
+[ "$(grep -c '^[0-9.]* [RX] DATA' "$scratch/read")" -eq "$frames" ] || fail "what ifwatch-read shows lacks frames"
 if [ -x "$build/ifwatch-extcap" ]; then
     link=$(echo "$root"/usr/lib/*/wireshark/extcap/ifwatch-extcap)
     [ -L "$link" ] || fail "the analyser would not find ifwatch-extcap"

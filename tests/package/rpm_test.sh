@@ -20,10 +20,12 @@ package=$(echo "$scratch"/made/ifwatch-*.rpm)
 query() { rpm --dbpath "$scratch/db" "$@"; }
 
 {
-    for program in ifwatch ifwatch-sim ifwatch-extcap; do
+    for program in ifwatch ifwatch-read ifwatch-sim ifwatch-extcap; do
         [ ! -x "$build/$program" ] || echo "/usr/bin/$program"
     done
-    for file in bash-completion/completions/ifwatch bash-completion/completions/ifwatch-sim \
+    for file in bash-completion/completions/ifwatch bash-completion/completions/ifwatch-read \
+        bash-completion/completions/ifwatch-sim zsh/site-functions/_ifwatch-read \
+        fish/vendor_completions.d/ifwatch-read.fish man/man1/ifwatch-read.1.gz \
         zsh/site-functions/_ifwatch zsh/site-functions/_ifwatch-sim fish/vendor_completions.d/ifwatch.fish \
         fish/vendor_completions.d/ifwatch-sim.fish man/man1/ifwatch.1.gz man/man1/ifwatch-sim.1.gz \
         man/man5/ifwatch-case.5.gz doc/ifwatch doc/ifwatch/docs doc/ifwatch/docs/reading-a-trace.md \
@@ -34,7 +36,7 @@ query() { rpm --dbpath "$scratch/db" "$@"; }
         echo /usr/share/man/man1/ifwatch-extcap.1.gz
         echo /usr/lib64/wireshark/extcap/ifwatch-extcap
     fi
-    for file in "$source"/samples/*.case; do
+    for file in "$source"/samples/*; do
         echo "/usr/share/ifwatch/samples/${file##*/}"
     done
     for file in README.md SECURITY.md CHANGELOG.md; do

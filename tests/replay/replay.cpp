@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
 #include <span>
 #include <string>
@@ -90,8 +89,7 @@ bool replay(const std::string& path, const sim::trace_case& trace, const std::st
         }
         const std::size_t count = damage(*context, record);
         if (count == 0 || !show(*context, record, record.data)) {
-            std::fprintf(stderr, "%s: options %s: record %u prints more than its bound\n", path.c_str(),
-                         options.c_str(), record.sequence);
+            report<"%s: options %s: record %u prints more than its bound\n">(path, options, record.sequence);
             return false;
         }
         shown += count;
@@ -109,7 +107,7 @@ int main(int argc, char** argv) {
         sim::trace_case trace;
         std::string error;
         if (!sim::read_case_file(path, trace, error)) {
-            std::fprintf(stderr, "%s\n", error.c_str());
+            write_errors(error + "\n");
             held = false;
             continue;
         }
@@ -117,6 +115,6 @@ int main(int argc, char** argv) {
             held = replay(path, trace, options, shown) && held;
         }
     }
-    std::fprintf(stderr, "%zu damaged records shown\n", shown);
+    report<"%lu damaged records shown\n">(shown);
     return held && shown != 0 ? 0 : 1;
 }

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/print.h"
 #include "client/options.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
@@ -78,7 +79,7 @@ bool arrived(const char* road, const outcome& got, const std::string& last_messa
     if (got.status == 0 && got.errors.ends_with(last_message)) {
         return true;
     }
-    std::fprintf(stderr, "%s: exit status %d, signal %d\n%s", road, got.status, got.signal, got.errors.c_str());
+    report<"%s: exit status %d, signal %d\n%s">(road, got.status, got.signal, got.errors);
     return false;
 }
 
@@ -103,8 +104,8 @@ public:
         }
         const auto differing = first_difference(from_socket.output, from_file.output);
         if (differing) {
-            std::fprintf(stderr, "line %zu, record %zu\n  by socket %s\n  by file   %s\n", differing->line,
-                         differing->record, differing->expected.c_str(), differing->got.c_str());
+            report<"line %lu, record %lu\n  by socket %s\n  by file   %s\n">(differing->line, differing->record,
+                                                                             differing->expected, differing->got);
         }
         return !differing;
     }
@@ -142,13 +143,13 @@ std::size_t check_case(const std::string& path) {
     sim::trace_case trace;
     std::string error;
     if (!sim::read_case_file(path, trace, error)) {
-        std::fprintf(stderr, "%s\n", error.c_str());
+        write_errors(error + "\n");
         return 0;
     }
     road_check check(trace);
     for (const std::string& options : trace.options) {
         if (!check.holds(options)) {
-            std::fprintf(stderr, "in %s, options %s\n", path.c_str(), options.c_str());
+            report<"in %s, options %s\n">(path, options);
             return 0;
         }
     }

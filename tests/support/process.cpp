@@ -99,7 +99,8 @@ process::process(const command& what) : timeout_(what.timeout) {
     }
     const int standard_input = what.input_fd >= 0 ? what.input_fd : input[0];
     const int standard_output = what.output_fd >= 0 ? what.output_fd : output[1];
-    const int problem = spawn(what, {standard_input, standard_output, errors[1]}, id_);
+    const int standard_errors = what.errors_fd >= 0 ? what.errors_fd : errors[1];
+    const int problem = spawn(what, {standard_input, standard_output, standard_errors}, id_);
     close(input[0]);
     close(output[1]);
     close(errors[1]);

@@ -19,6 +19,7 @@ struct command {
     std::chrono::milliseconds timeout = std::chrono::seconds(10);
     int input_fd = -1;   // of the caller, to be its standard input instead
     int output_fd = -1;  // of the caller, to be its standard output: the outcome then has none
+    int errors_fd = -1;  // of the caller, to be its error stream: the outcome then has none
 };
 
 /// How a program ended and what it wrote.

@@ -6,6 +6,7 @@ namespace ifwatch::test {
 extern const char* const IFWATCH_PROGRAM;
 extern const char* const IFWATCH_SIM_PROGRAM;
 extern const char* const IFWATCH_EXTCAP_PROGRAM;
+extern const char* const IFWATCH_READ_PROGRAM;
 extern const char* const GOLDEN_RUNNER_PROGRAM;
 extern const char* const SAMPLES_DIRECTORY;
 

@@ -28,12 +28,16 @@ simulator::simulator(const std::vector<std::string>& cases, std::vector<std::str
     port_ = std::stoi(process_.output().substr(mark.size()));
 }
 
-outcome simulator::watch(const std::vector<std::string>& options, const std::vector<std::string>& target) const {
+command simulator::watching(const std::vector<std::string>& options, const std::vector<std::string>& target) const {
     std::vector<std::string> arguments = {"--pwd=admin", "-P", std::to_string(port_)};
     arguments.insert(arguments.end(), options.begin(), options.end());
     arguments.emplace_back("127.0.0.1");
     arguments.insert(arguments.end(), target.begin(), target.end());
-    return run({IFWATCH_PROGRAM, arguments});
+    return {IFWATCH_PROGRAM, arguments};
+}
+
+outcome simulator::watch(const std::vector<std::string>& options, const std::vector<std::string>& target) const {
+    return run(watching(options, target));
 }
 
 }  // namespace ifwatch::test

@@ -17,6 +17,10 @@ public:
     [[nodiscard]] int port() const { return port_; }
     [[nodiscard]] process& program() { return process_; }
 
+    /// The command line of `watch`.
+    [[nodiscard]] command watching(const std::vector<std::string>& options,
+                                   const std::vector<std::string>& target = {"1000"}) const;
+
     /// Runs the real ifwatch against it: `options`, the password "admin", then "127.0.0.1" and what `target` gives.
     [[nodiscard]] outcome watch(const std::vector<std::string>& options,
                                 const std::vector<std::string>& target = {"1000"}) const;

@@ -253,10 +253,9 @@ TEST(import_capture, interfaces_of_one_channel_type_are_one_case) {
 TEST(import_capture, packets_of_several_channel_types_are_named) {
     pcapng_octets file = begun({{1, {}}, {203, {}}, {147, {}}});
     file.packet(0, 0, FRAME).packet(1, 0, UA);
-    EXPECT_EQ(
-        imported_text(file.octets(), {}).outcome.error,
-        "packet 2 at offset 180: it is of channel type 0 (ISDN D-channel), those before it of 6 (LAN); a case is "
-        "one interface: split the capture first");
+    EXPECT_EQ(imported_text(file.octets(), {}).outcome.error,
+              "packet 2 at offset 180: it is of channel type 0 (ISDN D-channel), those before it of 6 (LAN); a case is "
+              "one interface: split the capture first");
     EXPECT_TRUE(imported_text(file.octets(), {.channel_type = 0}).outcome.done) << "both as that type";
     pcapng_octets unknown = begun({{1, {}}, {147, {}}});
     unknown.packet(0, 0, FRAME).packet(1, 0, UA);

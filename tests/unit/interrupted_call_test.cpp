@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/print.h"
+#include "base/terminal_text.h"
 #include "display/display_context.h"
 #include "support/interruption.h"
 #include "support/octet_pipe.h"
@@ -84,6 +85,25 @@ TEST(interrupted_call, a_report_is_written) {
         write_report("ERROR of some kind\n");
     }
     EXPECT_EQ(pipe.drain(), "ERROR of some kind\n");
+}
+
+TEST(interrupted_call, a_text_for_a_terminal_is_written) {
+    full_pipe pipe;
+    {
+        const interruption signals([&pipe] { pipe.make_room(); });
+        EXPECT_TRUE(write_terminal_text(pipe.writer(), "\x1b[2J\n"));
+    }
+    EXPECT_EQ(pipe.drain(), "\\x1b[2J\n");
+}
+
+TEST(interrupted_call, a_text_for_a_terminal_waits_for_room_where_the_stream_does_not_block) {
+    full_pipe pipe;
+    fcntl(pipe.writer(), F_SETFL, O_WRONLY | O_NONBLOCK);
+    {
+        const interruption signals([&pipe] { pipe.make_room(); });
+        EXPECT_TRUE(write_terminal_text(pipe.writer(), "\x1b[2J\n"));
+    }
+    EXPECT_EQ(pipe.drain(), "\\x1b[2J\n");
 }
 
 TEST(interrupted_call, a_password_is_read) {

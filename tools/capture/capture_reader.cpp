@@ -72,6 +72,8 @@ const capture_interface& capture_reader::interface_of(const captured_packet& pac
     return format_->interface_of(packet);
 }
 
+std::size_t capture_reader::interface_count() const { return format_->interface_count(); }
+
 const std::string& capture_reader::error() const { return format_->error(); }
 
 }  // namespace ifwatch::capture

@@ -68,6 +68,9 @@ public:
     /// The interface of the packet that was just read. In a classic PCAP file also without one, behind next().
     [[nodiscard]] const capture_interface& interface_of(const captured_packet& packet) const;
 
+    /// Interfaces that this section has described so far; those of a pcapng file usually all stand at its beginning.
+    [[nodiscard]] std::size_t interface_count() const;
+
     /// Where and what is wrong, of a damaged capture, in one line: "packet 2 at offset 100: 60 octets announced, 20
     /// held".
     [[nodiscard]] const std::string& error() const;

@@ -22,6 +22,9 @@ public:
     /// Of the packet that was read last.
     [[nodiscard]] virtual const capture_interface& interface_of(const captured_packet& packet) const = 0;
 
+    /// Of this section, so far.
+    [[nodiscard]] virtual std::size_t interface_count() const { return 1; }
+
     [[nodiscard]] const std::string& error() const { return error_; }
 
 protected:

@@ -24,6 +24,7 @@ public:
 
     packet_read next(captured_packet& packet) override;
     [[nodiscard]] const capture_interface& interface_of(const captured_packet& packet) const override;
+    [[nodiscard]] std::size_t interface_count() const override { return interfaces_.size(); }
 
 private:
     struct known_interface {

@@ -26,12 +26,11 @@ function escaped(text) {
     return text
 }
 
-# How a line is coloured.
+# What ifwatch prints is plain, as ifwatch prints it. Only what somebody has typed, and where something is left out, is
+# set off.
 function kind(text) {
-    if (text ~ /^\$ /) return "prompt"
+    if (text ~ /^\$ /) return "typed"
     if (text == "...") return "gap"
-    if (text ~ /^[0-9]+\.[0-9][0-9][0-9] /) return "record"
-    if (text ~ /^(ifwatch: |Ifc:|trc )/) return "report"
     return ""
 }
 
@@ -53,7 +52,7 @@ END {
     print "<style>"
     printf "text { font: %dpx ui-monospace, SFMono-Regular, Menlo, Consolas, \"DejaVu Sans Mono\", monospace;", SIZE
     print " fill: #d0d7de; white-space: pre }"
-    print ".prompt { fill: #7ee787; font-weight: bold } .record { fill: #79c0ff } .report { fill: #e3b341 } .gap { fill: #8b949e }"
+    print ".typed { font-weight: bold } .gap { fill: #8b949e }"
     print "</style>"
     printf "<rect width=\"%d\" height=\"%d\" rx=\"8\" fill=\"#161b22\" stroke=\"#484f58\"/>\n", width, height
     for (i = 0; i < 3; i++) {

@@ -1,8 +1,7 @@
-#include <cstdio>
 #include <string>
 #include <vector>
 
-#include "base/program_name.h"
+#include "base/print.h"
 #include "extcap/capture.h"
 #include "extcap/filter.h"
 #include "extcap/options.h"
@@ -16,12 +15,13 @@ using namespace ifwatch::extcap;
 constexpr int STATUS_MISTAKE = 2;
 
 int complain(const failure& why) {
-    static_cast<void>(std::fprintf(stderr, "ifwatch-extcap: %s\n", why.text.c_str()));
+    ifwatch::write_errors("ifwatch-extcap: " + why.text + "\n");
     return why.status;
 }
 
 int answer(const std::string& text) {
-    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
+    put(ifwatch::standard_output, text);
+    if (!ifwatch::flush_output()) {
         return complain({1, "cannot write the answer to the standard output"});
     }
     return 0;

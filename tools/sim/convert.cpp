@@ -13,9 +13,9 @@
 #include "capture/byte_stream.h"
 #include "sim/capture_export.h"
 #include "sim/capture_import.h"
-#include "sim/filter.h"
 #include "sim/option_table.h"
 #include "sim/output_file.h"
+#include "sim/sent_text.h"
 #include "sim/text_parts.h"
 
 namespace ifwatch::sim {
@@ -55,20 +55,9 @@ bool set_viewer_options(const std::string& text, conversion& wanted) {
 }
 
 bool set_sent(const std::string& text, conversion& wanted) {
-    in_addr host{};
-    capture::mac_address mac{};
-    if (text == "none") {
-        wanted.import.sent = capture::sent_nothing{};
-    } else if (text == "all") {
-        wanted.import.sent = capture::sent_everything{};
-    } else if (inet_pton(AF_INET, text.c_str(), &host) == 1) {
-        wanted.import.sent = std::uint32_t{ntohl(host.s_addr)};
-    } else if (parse_mac(text, mac)) {
-        wanted.import.sent = mac;
-    } else {
-        return false;
-    }
-    return true;
+    const auto rule = parse_sent_rule(text);
+    wanted.import.sent = rule.value_or(wanted.import.sent);
+    return rule.has_value();
 }
 
 bool set_start(const std::string& text, conversion& wanted) {

@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <list>
 #include <thread>
 
+#include "base/print.h"
 #include "sim/peer.h"
 #include "sim/session.h"
 #include "sim/text_parts.h"
@@ -48,7 +48,7 @@ void log_session(std::uint64_t number, const session_report& report) {
     if (report.traced) {
         line += ", " + std::to_string(report.records) + (report.records == 1 ? " record" : " records");
     }
-    static_cast<void>(std::fprintf(stderr, "%s\n", line.c_str()));
+    write_errors(line + "\n");
 }
 
 class client_server {
@@ -82,7 +82,7 @@ private:
 
 void client_server::run(int listener, int stop) {
     if (pipe(wake_) != 0) {
-        static_cast<void>(std::fprintf(stderr, "ifwatch-sim: pipe: %s\n", std::strerror(errno)));
+        write_errors(std::string("ifwatch-sim: pipe: ") + std::strerror(errno) + "\n");
         return;
     }
     while (true) {

@@ -3,13 +3,13 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 #include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/print.h"
 #include "sim/case_file.h"
 #include "sim/convert.h"
 #include "sim/daemon.h"
@@ -35,9 +35,7 @@ extern "C" void on_signal(int /*signal*/) {
 }
 
 /// One line on the error stream.
-void say(const std::string& text) {
-    static_cast<void>(std::fprintf(stderr, "ifwatch-sim: %s\n", ifwatch::sim::on_one_line(text).c_str()));
-}
+void say(const std::string& text) { ifwatch::report<"ifwatch-sim: %s\n">(ifwatch::sim::on_one_line(text)); }
 
 int fail(const std::string& error) {
     say(error);
@@ -77,8 +75,9 @@ int serve(const sim_options& options) {
                          !write_output(options.setup.port_file, std::to_string(port) + "\n", error))) {
         return fail(error);
     }
-    if (std::printf("listening on %s:%d\n", options.setup.listen.c_str(), port) < 0 || std::fflush(stdout) != 0) {
-        return fail(std::string("standard output: ") + std::strerror(errno));
+    ifwatch::print<"listening on %s:%d\n">(options.setup.listen, static_cast<int>(port));
+    if (!ifwatch::flush_output()) {
+        return fail(std::string("standard output: ") + std::strerror(ifwatch::output_error()));
     }
     serve_clients(listener, stop_pipe[0], options.setup, cases);
     close(listener);
@@ -115,6 +114,7 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    ifwatch::ask_for_terminals();  // the threads that serve clients write, too
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {

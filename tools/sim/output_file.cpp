@@ -8,22 +8,21 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/patient_write.h"
+#include "base/print.h"
+
 namespace ifwatch::sim {
 
 namespace {
 
 constexpr mode_t FILE_MODE = 0666;  // less the umask
 
-bool write_whole(int fd, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(fd, text.data(), text.size());
-        if (written >= 0) {
-            text.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
+/// By the edge that shows nothing raw on a terminal.
+bool write_to_output(std::string_view text) {
+    put(standard_output, text);
+    const bool written = flush_output();
+    errno = output_error();
+    return written;
 }
 
 bool is_special(const std::string& path) {
@@ -60,7 +59,9 @@ bool output_file::open(std::string& error) {
     return fd_ >= 0 || fail(error);
 }
 
-bool output_file::write(std::string_view part, std::string& error) { return write_whole(fd_, part) || fail(error); }
+bool output_file::write(std::string_view part, std::string& error) {
+    return (fd_ == STDOUT_FILENO ? write_to_output(part) : write_whole(fd_, part)) || fail(error);
+}
 
 bool output_file::finish(std::string& error) {
     const int fd = fd_;

@@ -1,0 +1,194 @@
+// Reads captures damaged: every case as classic PCAP and as pcapng, cut at every length, and with each octet in turn
+// set to a few values. Built with the address and undefined-behaviour sanitizers; beside them, what is shown of a cut
+// capture has to be the beginning of what is shown of the whole. Usage: capture_replay CASE|CAPTURE...
+// A capture of somebody else's is shown as it is, and one of at most 8 KiB damaged as well.
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/print.h"
+#include "capture/own_capture.h"
+#include "capture/pcapng_writer.h"
+#include "read/viewer.h"
+#include "sim/capture_export.h"
+#include "sim/case_file.h"
+#include "sim/input_file.h"
+#include "support/case_options.h"
+
+namespace {
+
+using namespace ifwatch;
+
+using octet_list = std::vector<std::uint8_t>;
+
+constexpr std::array<std::uint8_t, 2> PLANTED = {0x00, 0xFF};
+
+std::string printed;  // NOLINT(*-avoid-non-const-global-variables,cert-err58-cpp): the writer below has no other place
+
+long keep_output(const char* data, std::size_t length) {
+    printed.append(data, length);
+    return static_cast<long>(length);
+}
+
+/// A file in memory that captures are read from.
+class memory_file {
+public:
+    memory_file() : fd_(memfd_create("capture", MFD_CLOEXEC)) {}
+    ~memory_file() { close(fd_); }
+    memory_file(const memory_file&) = delete;
+    memory_file& operator=(const memory_file&) = delete;
+    memory_file(memory_file&&) = delete;
+    memory_file& operator=(memory_file&&) = delete;
+
+    [[nodiscard]] bool hold(std::span<const std::uint8_t> octets) const {
+        return ftruncate(fd_, 0) == 0 &&
+               pwrite(fd_, octets.data(), octets.size(), 0) == static_cast<ssize_t>(octets.size()) &&
+               lseek(fd_, 0, SEEK_SET) == 0;
+    }
+    [[nodiscard]] int fd() const { return fd_; }
+
+private:
+    int fd_;
+};
+
+class capture_replay {
+public:
+    capture_replay(std::string name, const sim::trace_case& trace) : name_(std::move(name)) {
+        options_.decoders.mode_flags = trace.options.empty() ? 0 : test::mode_flags_of(trace.options.front());
+        if (!trace.path.empty()) {
+            options_.channel_type = trace.channel_type;
+        }
+    }
+
+    /// The capture as it is.
+    std::size_t whole(const octet_list& octets) {
+        show(octets);
+        return 1;
+    }
+
+    /// The capture in all its damaged forms; how many those were, 0 behind a message when one was shown wrongly.
+    std::size_t damage(octet_list octets) {
+        const std::string whole = show(octets);
+        for (std::size_t length = 0; length < octets.size(); ++length) {
+            if (!whole.starts_with(show(std::span(octets).first(length)))) {
+                return complain("what is shown does not begin the whole", length);
+            }
+        }
+        for (std::uint8_t& octet : octets) {
+            const std::uint8_t kept = octet;
+            for (const std::uint8_t planted : PLANTED) {
+                octet = planted;
+                show(octets);
+            }
+            octet = kept;
+        }
+        return octets.size() * (1 + PLANTED.size());
+    }
+
+private:
+    std::string show(std::span<const std::uint8_t> octets) {
+        printed.clear();
+        if (!file_.hold(octets)) {
+            return "";
+        }
+        read::shown_counts counts;
+        read::show_capture({.name = name_, .fd = file_.fd()}, "", options_, counts);
+        return printed;
+    }
+
+    [[nodiscard]] std::size_t complain(const char* what, std::size_t length) const {
+        static_cast<void>(std::fprintf(stderr, "%s, %zu octets: %s\n", name_.c_str(), length, what));
+        return 0;
+    }
+
+    std::string name_;
+    read::read_options options_;
+    memory_file file_;
+};
+
+/// As ifwatch-extcap would write it, with everything that a packet can have beside its octets.
+octet_list pcapng_of(const sim::trace_case& trace) {
+    octet_list file;
+    capture::block_buffer block;
+    const auto add = [&] { file.insert(file.end(), block.begin(), block.end()); };
+    capture::build_section_header(block, "test");
+    add();
+    capture::pcapng_interface described;
+    described.link_type = capture::LINK_USER0;
+    described.name = "ifwatch-1000";
+    described.description = "Interface 1000 of test: case";
+    described.comment = capture::interface_type_comment(trace.channel_type);
+    capture::build_interface_description(block, described);
+    add();
+    for (const sim::case_record& record : trace.records) {
+        capture::pcapng_packet packet;
+        packet.time_ms = record.timestamp_ms;
+        packet.data = record.data;
+        packet.original_length = record.original_length;
+        packet.flags = (record.flags & 1) != 0 ? 2 : 1;
+        packet.lost = record.sequence % 3;
+        packet.comment = "line error: CRC";
+        capture::build_enhanced_packet(block, packet);
+        add();
+    }
+    return file;
+}
+
+/// A capture as it is; all decoders are on.
+bool replay_capture(const std::string& path, std::size_t& read) {
+    constexpr std::size_t LARGEST_DAMAGED = 8192;
+    std::string text;
+    if (!sim::read_input(path, text, text)) {
+        static_cast<void>(std::fprintf(stderr, "%s\n", text.c_str()));
+        return false;
+    }
+    sim::trace_case all;
+    all.options = {"-h -! -2 -3 -p -i -N -t"};
+    capture_replay replay(path, all);
+    const octet_list octets(text.begin(), text.end());
+    const std::size_t shown = octets.size() <= LARGEST_DAMAGED ? replay.damage(octets) : replay.whole(octets);
+    read += shown;
+    return shown != 0;
+}
+
+bool replay(const std::string& path, std::size_t& read) {
+    if (!path.ends_with(".case")) {
+        return replay_capture(path, read);
+    }
+    sim::trace_case trace;
+    std::string error;
+    octet_list pcap;
+    std::size_t left_out = 0;
+    if (!sim::read_case_file(path, trace, error) ||
+        !sim::export_capture(trace, capture::LINK_USER0, pcap, left_out, error)) {
+        static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
+        return false;
+    }
+    const std::size_t classic = capture_replay(path + " as PCAP", trace).damage(pcap);
+    const std::size_t blocks = capture_replay(path + " as pcapng", trace).damage(pcapng_of(trace));
+    read += classic + blocks;
+    return classic != 0 && blocks != 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    set_output_writer(keep_output);
+    set_report_writer([](std::string_view) {});
+    std::size_t read = 0;
+    bool held = argc > 1;
+    for (const std::string path : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
+        held = replay(path, read) && held;
+    }
+    static_cast<void>(std::fprintf(stderr, "%zu damaged captures read\n", read));
+    return held ? 0 : 1;
+}

@@ -1,0 +1,110 @@
+#include "read/viewer.h"
+
+#include <chrono>
+
+#include "base/print.h"
+#include "display/record_display.h"
+#include "read/output.h"
+#include "read/progress.h"
+#include "read/records.h"
+#include "sim/text_parts.h"
+#include "trace/ifc_types.h"
+
+namespace ifwatch::read {
+
+namespace {
+
+// NOLINTNEXTLINE(*-avoid-non-const-global-variables): all that the function called before each read can reach
+const capture_records* being_read = nullptr;
+
+/// The next octets may be long in coming: what is printed leaves.
+void before_read() {
+    flush_output();
+    if (being_read != nullptr) {
+        show_progress(being_read->octets_read(), being_read->packet().number);
+    }
+}
+
+/// "2026-11-22 11:15:52.123456 UTC".
+std::string date_text(std::int64_t time_ns) {
+    using namespace std::chrono;
+    const sys_time<microseconds> time(duration_cast<microseconds>(floor<microseconds>(nanoseconds(time_ns))));
+    const sys_days day = floor<days>(time);
+    const year_month_day date(day);
+    const hh_mm_ss clock(time - day);
+    text_buffer<64> text;
+    print_to<"%04d-%02d-%02d %02d:%02d:%02d.%06ld UTC">(
+        text, static_cast<int>(date.year()), static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+        clock.hours().count(), clock.minutes().count(), clock.seconds().count(), clock.subseconds().count());
+    return std::string(text.text());
+}
+
+std::string type_text(int channel_type) {
+    const ifc_type& type = ifc_type_entry(channel_type);
+    return type.code == channel_type ? type.name : "interface type " + std::to_string(channel_type);
+}
+
+class capture_view {
+public:
+    capture_view(const open_capture& file, std::string title, const read_options& options, shown_counts& counts)
+        : file_(file), title_(std::move(title)), counts_(counts), records_(file.fd, before_read, options, counts) {
+        being_read = &records_;
+    }
+    ~capture_view() { being_read = nullptr; }
+    capture_view(const capture_view&) = delete;
+    capture_view& operator=(const capture_view&) = delete;
+    capture_view(capture_view&&) = delete;
+    capture_view& operator=(capture_view&&) = delete;
+
+    bool show() {
+        for (traced_line* line = records_.next(); line != nullptr && output_error() == 0; line = records_.next()) {
+            tell_date();
+            name_line(*line);
+            display_record(line->context);
+            counts_.add_shown();
+        }
+        const bool written = flush_output();
+        erase_progress();
+        if (!records_.error().empty()) {
+            say(file_.name + ": " + records_.error());
+        }
+        return written && records_.error().empty();
+    }
+
+private:
+    /// Once, and only where the times count from the first packet.
+    void tell_date() {
+        const capture::record_clock& clock = records_.clock();
+        if (!date_told_ && clock.first_ns && !clock.routers_own) {
+            say(file_.name + ": 000000.000 is " + date_text(*clock.first_ns));
+        }
+        date_told_ = date_told_ || clock.first_ns.has_value();
+    }
+
+    /// Where the line changes, and at the first record where it may change.
+    void name_line(const traced_line& line) {
+        if (line.serial == shown_last_) {
+            return;
+        }
+        if (shown_last_ != 0 || !title_.empty() || records_.has_several_lines()) {
+            print<"=== %s%s: %s\n">(title_, sim::on_one_line(line.identity.name), type_text(line.context.channel_type));
+        }
+        shown_last_ = line.serial;
+    }
+
+    const open_capture& file_;
+    std::string title_;
+    shown_counts& counts_;
+    capture_records records_;
+    std::uint64_t shown_last_ = 0;  // the serial number of its line
+    bool date_told_ = false;
+};
+
+}  // namespace
+
+bool show_capture(const open_capture& file, const std::string& title, const read_options& options,
+                  shown_counts& counts) {
+    return capture_view(file, title, options, counts).show();
+}
+
+}  // namespace ifwatch::read
