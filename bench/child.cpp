@@ -89,7 +89,8 @@ ended_child wait_for(pid_t child) {
         }
     }
     return {.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1,
-            .processor_seconds = seconds(usage.ru_utime) + seconds(usage.ru_stime)};
+            .processor_seconds = seconds(usage.ru_utime) + seconds(usage.ru_stime),
+            .most_memory_kib = usage.ru_maxrss};
 }
 
 pipe_pair::pipe_pair() {

@@ -20,6 +20,7 @@ struct streams {
 struct ended_child {
     int status = -1;               // the exit status; -1: ended by a signal
     double processor_seconds = 0;  // in the program and in the system on its behalf
+    long most_memory_kib = 0;      // resident
 };
 
 ended_child wait_for(pid_t child);

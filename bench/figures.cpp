@@ -1,6 +1,7 @@
 #include "figures.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace ifwatch::bench {
@@ -23,9 +24,10 @@ std::string decimal(double value, int digits) {
 figure row_against(const char* name, const char* unit, double value, double other, double goal, double ratio) {
     // A goal below 1 is a fraction, and is told as one.
     const bool fraction = goal < 1;
+    const int digits = std::round(goal * 10) == goal * 10 ? 1 : 2;
     return {.name = name,
             .value = decimal(value, 2) + unit,
-            .goal = fraction ? "at most 1/" + decimal(1 / goal, 0) : "at most " + decimal(goal, 1),
+            .goal = fraction ? "at most 1/" + decimal(1 / goal, 0) : "at most " + decimal(goal, digits),
             .floor = decimal(other, 2) + unit,
             .ratio = fraction ? "1/" + decimal(1 / ratio, 1) : decimal(ratio, 2),
             .met = ratio <= goal ? "yes" : "no"};

@@ -49,6 +49,9 @@ void measure_dchannel(const workplace& place, figures& rows);
 void measure_start(const workplace& place, figures& rows);
 void measure_memory(const workplace& place, figures& rows);
 
+/// What the analyser's plug-in takes for a record of one interface, and of 64 at a time; its memory for each of them.
+void measure_captures(const workplace& place, figures& rows);
+
 /// Captures read back: against tcpdump and tshark, against showing the same records from memory, from short to long
 /// ones, and the memory of it.
 void measure_read(const workplace& place, figures& rows);

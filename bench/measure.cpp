@@ -1,7 +1,7 @@
 // Takes every figure that has a goal and prints one line for each, its columns divided by tabs: figure, value, goal,
 // floor, ratio, met.
 //
-//     measure PROGRAMS SCRATCH [PART...]      the parts: streams, dchannel, start, memory, read, growth
+//     measure PROGRAMS SCRATCH [PART...]      the parts: streams, dchannel, start, memory, read, captures, growth
 //
 // PROGRAMS is the folder of ifwatch and of the programs it is measured with; in SCRATCH files are left, among them
 // growth.tsv, the data of the picture. It runs from the root of the project, whose samples it serves.
@@ -26,8 +26,9 @@ struct part {
     void (*measure)(const workplace& place, figures& rows);
 };
 constexpr part PARTS[] = {
-    {"streams", measure_streams}, {"dchannel", measure_dchannel}, {"start", measure_start},
-    {"memory", measure_memory},   {"read", measure_read},         {"growth", measure_growth_in},
+    {"streams", measure_streams},  {"dchannel", measure_dchannel}, {"start", measure_start},
+    {"memory", measure_memory},    {"read", measure_read},         {"captures", measure_captures},
+    {"growth", measure_growth_in},
 };
 
 void print(const figure& row) {

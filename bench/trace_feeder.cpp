@@ -1,10 +1,11 @@
 // Serves trace records to whoever connects, as a daemon of protocol version 1 does, at full speed:
 //
-//     trace_feeder [--pause RECORDS] RECORDS SOURCE
+//     trace_feeder [--pause RECORDS | --clients COUNT] RECORDS SOURCE
 //
 // The records of the source, repeated to the number asked for, go to each client in turn. The first line of the
 // standard output is the port. After --pause RECORDS, and after the last, the feeder waits until the client's system
-// has taken all that was sent, prints a line and goes on when it has read one. It runs until it is killed.
+// has taken all that was sent, prints a line and goes on when it has read one. With --clients so many are served at a
+// time, each by a process of its own, and get nothing before all of them are there. It runs until it is killed.
 
 #include <linux/sockios.h>
 #include <netinet/in.h>
@@ -19,6 +20,7 @@
 #include <cstdlib>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "trace/element.h"
 #include "traffic.h"
@@ -33,6 +35,7 @@ struct serving {
     bench::traffic block;
     unsigned long records = 0;
     unsigned long pause = 0;  // 0: none
+    unsigned long clients = 1;
 };
 
 int fail(const char* what) {
@@ -48,7 +51,8 @@ int listen_on_loopback(std::uint16_t& port) {
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socklen_t length = sizeof address;
     auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    if (fd < 0 || bind(fd, generic, length) != 0 || listen(fd, 1) != 0 || getsockname(fd, generic, &length) != 0) {
+    if (fd < 0 || bind(fd, generic, length) != 0 || listen(fd, SOMAXCONN) != 0 ||
+        getsockname(fd, generic, &length) != 0) {
         return -1;
     }
     port = ntohs(address.sin_port);
@@ -73,12 +77,15 @@ unsigned long send_some(int client, bench::traffic& block, unsigned long sent, u
     return write_all(client, std::span(block.octets).first(length)) ? count : 0;
 }
 
-void serve(int client, serving& what) {
+/// False for a client that has gone, or speaks another version.
+bool acknowledge(int client, const serving& what) {
     std::uint8_t request[REQUEST_LENGTH];
-    const auto acknowledge = static_cast<std::uint8_t>(what.block.channel_type);
-    if (read_n(client, request, REQUEST_LENGTH) != REQUEST_LENGTH || !write_all(client, {&acknowledge, 1})) {
-        return;
-    }
+    const auto channel_type = static_cast<std::uint8_t>(what.block.channel_type);
+    return read_n(client, request, REQUEST_LENGTH) == REQUEST_LENGTH && load_be32(request) == 1 &&
+           write_all(client, {&channel_type, 1});
+}
+
+void serve(int client, serving& what) {
     unsigned long sent = 0;
     while (sent < what.records) {
         const unsigned long until = sent < what.pause ? what.pause : what.records;
@@ -95,12 +102,14 @@ void serve(int client, serving& what) {
 }
 
 bool read_arguments(std::span<char*> arguments, serving& what) {
-    if (arguments.size() > 2 && std::string(arguments[1]) == "--pause") {
-        what.pause = std::strtoul(arguments[2], nullptr, 10);
+    const std::string option = arguments.size() > 2 ? arguments[1] : "";
+    if (option == "--pause" || option == "--clients") {
+        (option == "--pause" ? what.pause : what.clients) = std::strtoul(arguments[2], nullptr, 10);
         arguments = arguments.subspan(2);
     }
     if (arguments.size() != 3) {
-        static_cast<void>(std::fputs("usage: trace_feeder [--pause RECORDS] RECORDS SOURCE\n", stderr));
+        static_cast<void>(
+            std::fputs("usage: trace_feeder [--pause RECORDS | --clients COUNT] RECORDS SOURCE\n", stderr));
         return false;
     }
     what.records = std::strtoul(arguments[1], nullptr, 10);
@@ -110,6 +119,38 @@ bool read_arguments(std::span<char*> arguments, serving& what) {
         return false;
     }
     return true;
+}
+
+/// As many clients as are served at a time, all of them acknowledged; fewer when the system refuses.
+std::vector<int> gather(int listening, const serving& what) {
+    std::vector<int> clients;
+    while (clients.size() < what.clients) {
+        const int client = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
+        if (client < 0) {
+            break;
+        }
+        if (acknowledge(client, what)) {
+            clients.push_back(client);
+        } else {
+            close(client);
+        }
+    }
+    return clients;
+}
+
+/// Each by a process of its own, the only one by this.
+void serve_all(const std::vector<int>& clients, serving& what) {
+    for (const int client : clients) {
+        if (clients.size() == 1) {
+            serve(client, what);
+        } else if (fork() == 0) {
+            serve(client, what);
+            _exit(0);
+        }
+    }
+    for (const int client : clients) {
+        close(client);
+    }
 }
 
 }  // namespace
@@ -126,12 +167,12 @@ int main(int argc, char** argv) {
     }
     static_cast<void>(std::printf("%d\n", port));
     static_cast<void>(std::fflush(stdout));
+    std::signal(SIGCHLD, SIG_IGN);  // nobody asks how they ended
     for (;;) {
-        const int client = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
-        if (client < 0) {
+        const std::vector<int> clients = gather(listening, what);
+        if (clients.size() < what.clients) {
             return fail("trace_feeder: accept");
         }
-        serve(client, what);
-        close(client);
+        serve_all(clients, what);
     }
 }

@@ -1,7 +1,7 @@
 # Completions of ifwatch-sim for bash: the options, their words, and files.
 
 _ifwatch_sim_options='--listen --port --port-file --password --once --sessions -v --verbose --pace --rate --loop
-    --version --refuse --error --close-after --fault --help'
+    --together --version --refuse --error --close-after --limit --fault --help'
 _ifwatch_sim_import_options='-o --output -c --channel -i --interface --options -s --sent --start --help'
 _ifwatch_sim_export_options='-o --output -l --link-type --help'
 
@@ -26,11 +26,11 @@ _ifwatch_sim_value() {
         --close-after) _ifwatch_sim_words 'connect request version challenge login addinfo chantype reply' "$2" ;;
         --pace) _ifwatch_sim_words real "$2" ;;
         --fault)
-            _ifwatch_sim_words 'cut= drip silence= length=record: length=element:' "$2"
+            _ifwatch_sim_words 'mute refuse cut= stall= drip silence= swap= restart= length=record: length=element:' "$2"
             compopt -o nospace 2>/dev/null
             ;;
         -s | --sent) _ifwatch_sim_words 'none all' "$2" ;;
-        --port | --password | --sessions | --rate | --loop | --error) ;;
+        --port | --password | --sessions | --rate | --loop | --together | --limit | --error) ;;
         -c | --channel | -i | --interface | --options | --start | -l | --link-type) ;;
         *) return 1 ;;
     esac

@@ -32,13 +32,15 @@ complete -c ifwatch-sim $serve -s v -l verbose -d 'Report each client'
 complete -c ifwatch-sim $serve -l pace -x -a real -d 'Send at the speed of the time stamps'
 complete -c ifwatch-sim $serve -l rate -x -d 'Send so many records a second'
 complete -c ifwatch-sim $serve -l loop -x -d 'Send the records so many times, 0 for no end'
+complete -c ifwatch-sim $serve -l together -x -d 'Send nothing before so many traces have begun'
 complete -c ifwatch-sim $serve -l version -x -a '1 2 3' -d 'Speak one version only'
 complete -c ifwatch-sim $serve -l refuse -x -a 'reply close serve' -d 'What a client of another version gets'
 complete -c ifwatch-sim $serve -l error -x -d 'Refuse each session with a text'
 complete -c ifwatch-sim $serve -l close-after -x -d 'Close behind a step' \
     -a 'connect request version challenge login addinfo chantype reply'
-complete -c ifwatch-sim $serve -l fault -x -d 'Make one fault' \
-    -a 'cut= drip silence= length=record: length=element:'
+complete -c ifwatch-sim $serve -l limit -x -d 'Trace so many interfaces at a time'
+complete -c ifwatch-sim $serve -l fault -x -d 'Make a fault' \
+    -a 'mute refuse cut= stall= drip silence= swap= restart= length=record: length=element:'
 
 set --local import -n '__ifwatch_sim_does import'
 complete -c ifwatch-sim $import -s o -l output -r -F -d 'The case file'

@@ -30,18 +30,24 @@ table_text event_name(std::uint32_t event, std::uint32_t state) {
 
 table_text line_error_name(int event) { return value_name(LINE_ERRORS, event); }
 
-void dump_l1_event(const record_header& record, octets payload, std::uint32_t original_length, std::string_view header,
-                   std::string_view delta) {
+void put_l1_event(text_sink& out, const record_header& record, std::uint32_t original_length) {
     const std::uint32_t event = record.channel_info & 0xFF;
     if (const table_text error = line_error_name(static_cast<int>(event))) {
-        print<"%s%s[%04ld]%s">(header, error, original_length, delta);
-        hex_dump(payload, payload.length, 16, 6);
-        print<"\n">();
+        print_to<"%s[%04ld]">(out, error, original_length);
         return;
     }
+    print_named_to(out, event_name(event, record.record_flags), record.record_flags);
+}
+
+void dump_l1_event(const record_header& record, octets payload, std::uint32_t original_length, std::string_view header,
+                   std::string_view delta) {
     print<"%s">(header);
-    print_named(event_name(event, record.record_flags), record.record_flags);
+    put_l1_event(standard_output, record, original_length);
     print<"%s">(delta);
+    if (line_error_name(static_cast<int>(record.channel_info & 0xFF))) {
+        hex_dump(payload, payload.length, 16, 6);
+        print<"\n">();
+    }
 }
 
 }  // namespace ifwatch

@@ -5,10 +5,15 @@
 
 #include "base/names.h"
 #include "base/octets.h"
+#include "base/text_sink.h"
 
 namespace ifwatch {
 
 struct record_header;
+
+/// Puts the words of an event: "ACTIVATE", "L1 F7", "CRC [0012]" with the length of the frame; nothing for an unknown
+/// code.
+void put_l1_event(text_sink& out, const record_header& record, std::uint32_t original_length);
 
 /// Prints the line of a record that reports an event of the physical layer instead of data: its event code is not 0.
 /// `header` is the header text in front, `delta` the delta-time text behind, which carries the line end. The line

@@ -145,6 +145,10 @@ void write_report(std::string_view text) {
 void report_count(std::uint32_t count) {
     text_buffer<32> text;
     print_to<"\b\b\b\b\b\b\b\b%8lu">(text, count);
+    if (reporter != nullptr) {
+        write_report(text.text());
+        return;
+    }
     flush_output();
     static_cast<void>(write_whole(STDERR_FILENO, text.text()));
 }

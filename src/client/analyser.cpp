@@ -9,6 +9,7 @@
 
 #include "base/print.h"
 #include "base/verbose.h"
+#include "client/signals.h"
 
 namespace ifwatch {
 
@@ -33,6 +34,7 @@ std::size_t split_words(char* command, word_list& words) {
 }
 
 [[noreturn]] void become(word_list& words) {
+    restore_file_size_limit();
     execvp(words[0], words.data());
     report<"\nERROR exec: %s (%s)\n">(words[0], std::strerror(errno));
     report<"\tstart now manually or set $%s (default: \"%s\")\n">("TRACE_EXEC", DEFAULT_ANALYSER);

@@ -12,6 +12,7 @@
 #include "base/verbose.h"
 #include "client/confinement.h"
 #include "client/options.h"
+#include "client/signals.h"
 #include "client/sinks.h"
 #include "client/usage.h"
 #include "display/display_context.h"
@@ -108,6 +109,7 @@ int run(int argc, char** argv) {
         return 1;
     }
     ask_for_terminals();
+    survive_file_size_limit();
     if (argc > 0) {
         set_program_name(argv[0]);
         argv[0] = program_name_argument();  // messages about options, too, begin with the name

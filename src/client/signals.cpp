@@ -23,6 +23,8 @@ constexpr int ENDING_SIGNALS[] = {SIGHUP, SIGINT, SIGTERM};
 // NOLINTNEXTLINE(*-avoid-non-const-global-variables): all that a handler can reach
 std::atomic<const char*> pipe_to_remove = nullptr;
 static_assert(std::atomic<const char*>::is_always_lock_free, "a signal handler reads it");
+// NOLINTNEXTLINE(*-avoid-non-const-global-variables): what the process was started with
+void (*former_limit_action)(int) = SIG_DFL;
 
 // A handler may interrupt the program anywhere, also inside report: it calls only functions that are safe there, and
 // formats into a buffer of its own.
@@ -111,6 +113,10 @@ void remove_pipe_on_signal(const char* pipe_name) {
     }
     install(SIGPIPE, end_by_broken_pipe);
 }
+
+void survive_file_size_limit() { former_limit_action = std::signal(SIGXFSZ, SIG_IGN); }
+
+void restore_file_size_limit() { static_cast<void>(std::signal(SIGXFSZ, former_limit_action)); }
 
 void remove_pipe() {
     const char* const name = pipe_to_remove;

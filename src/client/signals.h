@@ -23,6 +23,13 @@ private:
 /// name must live until remove_pipe.
 void remove_pipe_on_signal(const char* pipe_name);
 
+/// From now on a write that would take a file past the limit that the user has set for files fails, like one to a full
+/// disk, instead of ending the process without a word.
+void survive_file_size_limit();
+
+/// Gives a program that is started what this one was started with. A child calls it before it becomes that program.
+void restore_file_size_limit();
+
 /// Removes the pipe at the end of a run that no signal ended.
 void remove_pipe();
 

@@ -19,6 +19,9 @@ struct record_buffer {
 /// Allocates the data buffer; false after a message when there is no memory.
 bool allocate(record_buffer& buffer);
 
+/// The protocol part of a record, in host order.
+[[nodiscard]] record_header parse_protocol_part(std::span<const std::uint8_t, PROTO_LENGTH> octets);
+
 /// Makes the record in the buffer the current one: its protocol part as received, and its lengths, which are both 0
 /// for a record without data.
 void fill_slot(record_buffer& buffer, std::span<const std::uint8_t, PROTO_LENGTH> protocol_part,

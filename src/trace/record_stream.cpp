@@ -12,19 +12,30 @@
 
 namespace ifwatch {
 
+int announced_data(record_octets header) { return load_be16(header.data()) - RECORD_HEADER_LENGTH; }
+
+bool can_be_held(int announced) { return announced >= 0 && announced <= RECORD_DATA_MAXIMUM; }
+
+record_read report_no_header(int got) {
+    report<"trc hdr too short! = %d<%d\n">(got, RECORD_HEADER_LENGTH);
+    return got == 0 ? record_read::END : record_read::BROKEN;
+}
+
+record_read report_no_data(int got, int announced) {
+    report<"data too short! %d<%ld\n">(got, announced);
+    return record_read::BROKEN;
+}
+
 record_read receive_record(int socket_fd, record_buffer& buffer, display_context& context) {
     std::array<std::uint8_t, RECORD_HEADER_LENGTH> header{};
     const int got_header = read_n(socket_fd, header.data(), RECORD_HEADER_LENGTH);
     if (got_header != RECORD_HEADER_LENGTH) {
-        report<"trc hdr too short! = %d<%d\n">(got_header, RECORD_HEADER_LENGTH);
-        return got_header == 0 ? record_read::END : record_read::BROKEN;
+        return report_no_header(got_header);
     }
-    const int captured = load_be16(header.data()) - RECORD_HEADER_LENGTH;
-    const bool fits = captured >= 0 && captured <= RECORD_DATA_MAXIMUM;
-    const int got = fits ? read_n(socket_fd, buffer.data.get(), captured) : 0;
+    const int captured = announced_data(header);
+    const int got = can_be_held(captured) ? read_n(socket_fd, buffer.data.get(), captured) : 0;
     if (got != captured) {
-        report<"data too short! %d<%ld\n">(got, captured);
-        return record_read::BROKEN;
+        return report_no_data(got, captured);
     }
     fill_slot(buffer, std::span(header).subspan<4, PROTO_LENGTH>(), load_be16(&header[20]), captured, context);
     return record_read::RECORD;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "trace/trace_target.h"
 
@@ -31,6 +32,18 @@ enum class record_read : std::uint8_t {
     END,     // of the stream; it may have ended inside a record header
     BROKEN,  // the stream ended or failed inside a record, or the record is longer than can be held
 };
+
+// Of a reader that has octets of the stream in memory: what receive_record() goes by, and what it tells.
+
+using record_octets = std::span<const std::uint8_t, RECORD_HEADER_LENGTH>;
+
+/// The captured octets that the header of a record announces; below 0 in a record shorter than its header.
+[[nodiscard]] int announced_data(record_octets header);
+[[nodiscard]] bool can_be_held(int announced);
+
+/// Tells why there is no record, `got` being what read_n() returned for its header or its data. Returns END or BROKEN.
+record_read report_no_header(int got);
+record_read report_no_data(int got, int announced);
 
 /// Reads one trace record into the buffer and makes it the current one of the context. A message tells why there is
 /// none.

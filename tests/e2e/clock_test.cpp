@@ -88,7 +88,7 @@ std::vector<std::string> functions_taken() {
 }
 
 TEST(clock_of_this_machine, is_not_read) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef IFWATCH_ADDRESS_SANITIZER
     GTEST_SKIP() << "the address sanitizer brings all these functions along";
 #endif
     const std::vector<std::string> taken = functions_taken();

@@ -104,7 +104,7 @@ TEST(password, of_the_command_line_is_gone_at_the_first_record) {
 }
 
 TEST(password, of_the_environment_is_gone_at_the_first_record) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef IFWATCH_ADDRESS_SANITIZER
     GTEST_SKIP() << "the address sanitizer keeps a copy of the environment for itself";
 #endif
     expect_forgotten({.program = "", .environment = {{"TRACE_PWD", PASSWORD}}}, true);

@@ -6,79 +6,28 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <chrono>
-#include <filesystem>
 #include <string>
 #include <vector>
 
+#include "support/plugged_tshark.h"
 #include "support/process.h"
-#include "support/programs.h"
 #include "support/simulator.h"
-#include "support/temp_directory.h"
 
 namespace ifwatch::test {
 namespace {
 
-using namespace std::chrono_literals;
 using testing::HasSubstr;
 using testing::Not;
 
 using text_list = std::vector<std::string>;
 
-// An analyser takes its time to start on a busy machine.
-constexpr auto PATIENCE = 60s;
-
-std::string sample(const std::string& name) {
-    std::string text;
-    EXPECT_TRUE(read_file(std::string(SAMPLES_DIRECTORY) + "/" + name + ".case", text)) << name;
-    return text;
-}
-
-class extcap : public testing::Test {
+class extcap : public testing::Test, protected plugged_tshark {
 protected:
-    temp_directory home;
-
-    /// A user's home with nothing in it but a link to the plug-in, in the folders of old and new versions.
-    void SetUp() override {
-        for (const char* folder : {".config/wireshark/extcap", ".local/lib/wireshark/extcap"}) {
-            std::filesystem::create_directories(home.file(folder));
-            std::filesystem::create_symlink(IFWATCH_EXTCAP_PROGRAM, home.file(folder) + "/ifwatch-extcap");
-        }
-    }
-
-    [[nodiscard]] command tshark(text_list arguments, const std::string& password = "admin") const {
-        command what = {.program = "tshark", .arguments = std::move(arguments), .timeout = PATIENCE};
-        what.environment = {{"HOME", home.path()},
-                            {"XDG_CONFIG_HOME", home.file(".config")},
-                            {"WIRESHARK_CONFIG_DIR", home.file(".config/wireshark")},
-                            {"TMPDIR", home.path()},
-                            {"TRACE_PWD", password}};
-        return what;
-    }
-
-    /// A capture of an interface of the router on this port, with the fields to print.
-    [[nodiscard]] command capture(int port, int interface_index, const text_list& options, const text_list& fields = {},
-                                  const std::string& password = "admin") const {
-        text_list all = {"-n", "-l",
-                         "-i", "ifwatch",
-                         "-o", "extcap.ifwatch.host:127.0.0.1",
-                         "-o", "extcap.ifwatch.port:" + std::to_string(port),
-                         "-o", "extcap.ifwatch.interface:" + std::to_string(interface_index)};
-        all.insert(all.end(), options.begin(), options.end());
-        if (!fields.empty()) {
-            all.insert(all.end(), {"-T", "fields"});
-        }
-        for (const std::string& field : fields) {
-            all.insert(all.end(), {"-e", field});
-        }
-        return tshark(all, password);
-    }
-
     /// What tshark shows of a whole trace of one of the samples.
     [[nodiscard]] std::string shown(const std::string& name, int interface_index, const text_list& options,
                                     const text_list& fields) const {
         const simulator router({sample(name)});
-        const outcome got = run(capture(router.port(), interface_index, options, fields));
+        const outcome got = run(capture(router.port(), std::to_string(interface_index), options, fields));
         EXPECT_EQ(got.status, 0) << got.errors;
         EXPECT_THAT(got.errors, Not(HasSubstr("ifwatch-extcap")));
         return got.output;
@@ -162,7 +111,7 @@ TEST_F(extcap, shows_messages_of_the_pabx) {
 
 TEST_F(extcap, is_stopped_when_enough_was_captured) {
     simulator router({"channel 0\nrecord R 1000\n 00 01 7F\nrecord X 1200\n 00 01 73\n"}, {"--loop", "0", "--once"});
-    const outcome got = run(capture(router.port(), 1000, {"-c", "3"}, {"frame.protocols"}));
+    const outcome got = run(capture(router.port(), "1000", {"-c", "3"}, {"frame.protocols"}));
     EXPECT_EQ(got.status, 0) << got.errors;
     EXPECT_EQ(got.output, "lapd\nlapd\nlapd\n");
     EXPECT_EQ(router.program().wait().status, 0) << "the session has ended";
@@ -170,7 +119,7 @@ TEST_F(extcap, is_stopped_when_enough_was_captured) {
 
 TEST_F(extcap, is_stopped_with_the_analyser_while_the_line_is_silent) {
     simulator router({"channel 0\nrecord R 1000\n 00 01 7F\n"}, {"--fault", "silence=1", "--once"});
-    process analyser(capture(router.port(), 1000, {}, {"frame.protocols"}));
+    process analyser(capture(router.port(), "1000", {}, {"frame.protocols"}));
     EXPECT_TRUE(analyser.wait_for_output("lapd\n")) << analyser.errors();
     analyser.send_signal(SIGINT);
     const outcome got = analyser.wait();
@@ -194,32 +143,32 @@ protected:
 
 TEST_F(extcap_trouble, wrong_password) {
     const simulator router({lan});
-    expect_error(capture(router.port(), 1000, {}, {}, "guess"), "router 127.0.0.1: wrong password");
+    expect_error(capture(router.port(), "1000", {}, {}, "guess"), "router 127.0.0.1: wrong password");
 }
 
 TEST_F(extcap_trouble, refused_connection) {
-    expect_error(capture(1, 1000, {}), "router 127.0.0.1: connect (Connection refused)");
+    expect_error(capture(1, "1000", {}), "router 127.0.0.1: connect (Connection refused)");
 }
 
 TEST_F(extcap_trouble, unknown_interface) {
     const simulator router({lan});
-    expect_error(capture(router.port(), 2100, {}), "router 127.0.0.1: no interface 2100");
+    expect_error(capture(router.port(), "2100", {}), "router 127.0.0.1: no interface 2100");
 }
 
 TEST_F(extcap_trouble, wrong_filter) {
     const simulator router({lan});
-    expect_error(capture(router.port(), 1000, {"-f", "tcp port 23"}), "capture filter: unknown filter 'tcp'");
+    expect_error(capture(router.port(), "1000", {"-f", "tcp port 23"}), "capture filter: unknown filter 'tcp'");
 }
 
 TEST_F(extcap_trouble, wrong_option) {
-    expect_error(capture(7000, 1000, {"-o", "extcap.ifwatch.vci:70000"}),
+    expect_error(capture(7000, "1000", {"-o", "extcap.ifwatch.vci:70000"}),
                  "--vci takes a number from 0 to 65535, not '70000' (--help tells more)");
 }
 
 TEST_F(extcap_trouble, broken_trace) {
     const simulator router({"channel 6\nrecord R 1000\n 02*12 08 00 00*46\nrecord R 1100\n 02*12 08 00 00*46\n"},
                            {"--fault", "cut=2"});
-    const outcome got = run(capture(router.port(), 1000, {}, {"frame.len"}));
+    const outcome got = run(capture(router.port(), "1000", {}, {"frame.len"}));
     EXPECT_EQ(got.output, "60\n");
     EXPECT_THAT(got.errors, HasSubstr("ifwatch-extcap: router 127.0.0.1: the trace broke off: data too short! 0<60\n"));
 }

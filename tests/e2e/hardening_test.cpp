@@ -46,7 +46,7 @@ TEST(hardening, no_memory_is_both_writable_and_executable) {
 TEST(hardening, functions_check_their_stack) { EXPECT_TRUE(holds(shown_by("readelf", "-s"), " __stack_chk_fail@")); }
 
 // The sanitizers and the debugger's build come without it.
-#if defined(__OPTIMIZE__) && !defined(__SANITIZE_ADDRESS__)
+#if defined(__OPTIMIZE__) && !defined(IFWATCH_ADDRESS_SANITIZER)
 TEST(hardening, the_library_checks_sizes_it_knows) { EXPECT_TRUE(holds(shown_by("readelf", "-s"), "_chk@")); }
 #endif
 

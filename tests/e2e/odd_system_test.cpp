@@ -49,7 +49,7 @@ command in_shell(const std::string& before, std::vector<std::string> options) {
 }
 
 // A sanitizer's library opens files before the program begins, and never comes to its end where it cannot.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef IFWATCH_ADDRESS_SANITIZER
 constexpr bool NEEDS_DESCRIPTORS = true;
 #else
 constexpr bool NEEDS_DESCRIPTORS = false;

@@ -182,7 +182,7 @@ TEST(read, one_interface_is_not_named) {
 TEST(read, a_name_cannot_forge_a_line) {
     pcapng_text file;
     file.interface(1, "a\n000009.000 X\x1b[2J").interface(1, "b").packet(0, 1, ethernet_frame());
-    EXPECT_THAT(read_input(file.text()).output, StartsWith("=== a\\n000009.000 X\\x1B[2J: LAN\n000000.001 R"));
+    EXPECT_THAT(read_input(file.text()).output, StartsWith("=== a\\n000009.000 X\\x1b[2J: LAN\n000000.001 R"));
 }
 
 TEST(read, each_interface_has_a_state_of_its_own) {

@@ -161,7 +161,7 @@ TEST(no_descriptor, is_no_trouble_for_records_on_the_terminal) {
 }
 
 TEST(no_memory, refuses_the_record_buffer) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef IFWATCH_ADDRESS_SANITIZER
     GTEST_SKIP() << "the address sanitizer has an allocator of its own";
 #endif
     std::string connected;
@@ -187,16 +187,10 @@ protected:
             client.send(trace_record(1, std::vector<std::uint8_t>(14, 0xA1)));
             client.send(trace_record(2, std::vector<std::uint8_t>(14, 0xA2)));
         });
-        std::vector<std::string> arguments = {"-c",
-                                              R"(trap "" XFSZ; exec "$0" "$@")",
-                                              IFWATCH_PROGRAM,
-                                              "-V1",
-                                              daemon.port_option(),
-                                              "--pcap-file",
-                                              "--ofile=" + name_};
+        std::vector<std::string> arguments = {"-V1", daemon.port_option(), "--pcap-file", "--ofile=" + name_};
         arguments.insert(arguments.end(), options.begin(), options.end());
         arguments.insert(arguments.end(), {"127.0.0.1", "1000"});
-        process tracer({.program = "sh", .arguments = arguments});
+        process tracer({.program = IFWATCH_PROGRAM, .arguments = arguments});
         started.set_value(tracer.id());
         return tracer.wait();
     }
@@ -249,6 +243,22 @@ TEST_F(full_file, a_frame_does_not_fit_and_the_display_goes_on) {
                           "ERROR write pcap datahdr ret : -1\nwrite pcap data header: Bad file descriptor\n" +
                           std::string(STREAM_END)));
     EXPECT_EQ(written(), pcap_of(1).substr(0, FILE_HEADER + RECORD_HEADER + 5));
+}
+
+TEST(full_output, a_file_that_may_not_grow_ends_the_run_with_a_message) {
+    const scripted_daemon daemon([](const tcp_peer& client) {
+        client.receive(TRACE_REQUEST_OCTETS);
+        client.send({CHANNEL_TYPE_LAN});
+        client.send(trace_record(1, std::vector<std::uint8_t>(14, 0xA1)));
+    });
+    const temp_directory directory;
+    process tracer({.program = "sh",
+                    .arguments = {"-c", R"(ulimit -f 0; exec "$0" "$@" >"$OUT")", IFWATCH_PROGRAM, "-V1",
+                                  daemon.port_option(), "127.0.0.1", "1000"},
+                    .environment = {{"OUT", directory.file("trace")}}});
+    const outcome got = tracer.wait();
+    EXPECT_EQ(got.status, 1);
+    EXPECT_THAT(got.errors, HasSubstr("ERROR write (File too large)\n"));
 }
 
 }  // namespace

@@ -264,7 +264,7 @@ TEST(terminal, shows_what_the_simulator_tells_of_a_file) {
                                           "channel \x9b\x1b\n")}};
     const std::string told = run_on_terminal(sim, on_terminal::BOTH).errors;
     EXPECT_THAT(told, StartsWith("ifwatch-sim: " + directory.file(R"(\x9b2J.case)") + ":1: "));
-    EXPECT_THAT(told, HasSubstr(R"(\x9b\x1B)"));
+    EXPECT_THAT(told, HasSubstr(R"(\x9b\x1b)"));
     EXPECT_EQ(std::count_if(told.begin(), told.end(), acts), 0);
     EXPECT_THAT(run(sim).errors, HasSubstr("\x9b"
                                            "2J.case:1: "));

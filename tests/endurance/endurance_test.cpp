@@ -102,7 +102,7 @@ long_run watch(const simulator& sim, const std::vector<std::string>& options) {
 constexpr std::uint64_t MEMORY_SLACK = 64;  // KiB
 
 // A sanitizer's library takes memory of its own, and marks that of the program.
-#ifdef __SANITIZE_ADDRESS__
+#ifdef IFWATCH_ADDRESS_SANITIZER
 constexpr std::uint64_t MEMORY_MAXIMUM = 48 * 1024;  // KiB
 #else
 constexpr std::uint64_t MEMORY_MAXIMUM = 16 * 1024;  // KiB

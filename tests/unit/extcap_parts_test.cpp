@@ -1,4 +1,4 @@
-// The small parts of the analyser's plug-in: filters, credentials, options, times.
+// The small parts of the analyser's plug-in: filters, credentials, options.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -12,7 +12,6 @@
 #include "extcap/filter.h"
 #include "extcap/options.h"
 #include "extcap/sentences.h"
-#include "extcap/time_line.h"
 #include "support/temp_directory.h"
 
 namespace ifwatch::extcap {
@@ -183,18 +182,19 @@ struct parsed {
 };
 
 TEST(extcap_options, of_a_capture) {
-    const parsed call({"--capture", "--extcap-interface",
-                       "ifwatch",   "--extcap-capture-filter",
-                       "-I ::6",    "--fifo",
-                       "/tmp/f",    "--host",
-                       "router",    "--port",
-                       "7001",      "--interface",
-                       "2100",      "--bchannel",
-                       "lapb",      "--credentials",
-                       "/c",        "--capture-length",
-                       "64",        "--vpi",
-                       "8",         "--vci",
-                       "35",        "--router-time"});
+    const parsed call({"--capture",  "--extcap-interface",
+                       "ifwatch",    "--extcap-capture-filter",
+                       "-I ::6",     "--fifo",
+                       "/tmp/f",     "--host",
+                       "router",     "--port",
+                       "7001",       "--interface",
+                       "2100",       "--bchannel",
+                       "lapb",       "--credentials",
+                       "/c",         "--capture-length",
+                       "64",         "--vpi",
+                       "8",          "--vci",
+                       "35",         "--router-time",
+                       "--reconnect"});
     ASSERT_TRUE(call.right) << call.error;
     const plugin_options& got = call.options;
     EXPECT_EQ(got.what, call::CAPTURE);
@@ -202,13 +202,14 @@ TEST(extcap_options, of_a_capture) {
     EXPECT_EQ(got.fifo, "/tmp/f");
     EXPECT_EQ(got.host, "router");
     EXPECT_EQ(got.port, 7001);
-    EXPECT_EQ(got.interface_index, 2100);
-    EXPECT_STREQ(got.bchannel->word, "lapb");
+    EXPECT_EQ(got.interfaces.text(), "2100");
+    EXPECT_STREQ(got.bchannels.of(2100).word, "lapb");
     EXPECT_EQ(got.credentials, "/c");
     EXPECT_EQ(got.capture_length, 64);
     EXPECT_EQ(got.atm.vpi, 8);
     EXPECT_EQ(got.atm.vci, 35);
     EXPECT_TRUE(got.router_time);
+    EXPECT_TRUE(got.reconnect);
 }
 
 TEST(extcap_options, left_empty_count_as_not_given) {
@@ -216,8 +217,9 @@ TEST(extcap_options, left_empty_count_as_not_given) {
                        "", "--bchannel", "", "--vpi", ""});
     ASSERT_TRUE(call.right) << call.error;
     EXPECT_EQ(call.options.port, 7000);
-    EXPECT_FALSE(call.options.interface_index.has_value());
-    EXPECT_STREQ(call.options.bchannel->word, "ppp");
+    EXPECT_TRUE(call.options.interfaces.empty());
+    EXPECT_STREQ(call.options.bchannels.of(2101).word, "ppp");
+    EXPECT_FALSE(call.options.reconnect);
     EXPECT_EQ(call.options.atm.vpi, -1);
 }
 
@@ -263,8 +265,8 @@ TEST(extcap_options, take_the_interface_chosen_or_typed) {
         return parsed(
             {"--capture", "--extcap-interface", "ifwatch", "--fifo", "f", "--interface", chosen, "--index", typed});
     };
-    EXPECT_EQ(capture("2100", "").options.interface_index, 2100);
-    EXPECT_EQ(capture("", "1000").options.interface_index, 1000);
+    EXPECT_EQ(capture("2100", "").options.interfaces.text(), "2100");
+    EXPECT_EQ(capture("", "line:2100,1000").options.interfaces.text(), "line:2100,1000");
     EXPECT_TRUE(capture("1000", "1000").right);
     EXPECT_EQ(capture("2100", "1000").error, "the interface and the index differ: 2100 and 1000; give one of them");
     EXPECT_THAT(capture("", "").error, StartsWith("--interface is missing"));
@@ -276,6 +278,8 @@ TEST(extcap_options, wrong_values_are_refused) {
                                                                                       {"--interface", "-1"},
                                                                                       {"--index", "2147483648"},
                                                                                       {"--bchannel", "PPP"},
+                                                                                      {"--bchannel", "ppp,lapb"},
+                                                                                      {"--interface", "line:"},
                                                                                       {"--capture-length", "8193"},
                                                                                       {"--vpi", "256"},
                                                                                       {"--vci", "65536"},
@@ -291,30 +295,11 @@ TEST(extcap_sentences, reload_lists_interfaces) {
     EXPECT_EQ(interface_value_sentences(listed),
               "value {arg=2}{value=1000}{display=1000 LAN}\n"
               "value {arg=2}{value=100001}{display=100001 Tunnel}\n"
-              "value {arg=2}{value=5000}{display=5000 unknown}\n");
+              "value {arg=2}{value=5000}{display=5000 unknown}\n"
+              "value {arg=2}{value=all}{display=The whole router: 3 interfaces}\n");
     EXPECT_THAT(option_sentences(), HasSubstr("arg {number=2}{call=--interface}"));
     EXPECT_THAT(option_sentences(), HasSubstr("value {arg=4}{value=ppp}{display=PPP}{default=true}\n"));
     EXPECT_THAT(option_sentences(), HasSubstr("arg {number=4}{call=--bchannel}"));
-}
-
-TEST(extcap_time, begins_with_the_wall_clock) {
-    time_line times;
-    EXPECT_EQ(times.at(5000, 1'700'000'000'000), 1'700'000'000'000U);
-    EXPECT_EQ(times.at(5250, -1), 1'700'000'000'250U);
-    EXPECT_EQ(times.at(5240, -1), 1'700'000'000'240U) << "a record out of order";
-}
-
-TEST(extcap_time, or_stays_the_routers) {
-    time_line times;
-    EXPECT_EQ(times.at(5000, -1), 5000U);
-    EXPECT_EQ(times.at(5250, -1), 5250U);
-}
-
-TEST(extcap_time, goes_on_when_the_routers_count_begins_anew) {
-    time_line times;
-    EXPECT_EQ(times.at(0xFFFFFFF0, -1), 0xFFFFFFF0U);
-    EXPECT_EQ(times.at(0x00000010, -1), 0x100000010U);
-    EXPECT_EQ(times.latest(), 0x100000010U);
 }
 
 }  // namespace

@@ -61,6 +61,26 @@ TEST(packet_source, is_what_was_noted_else_told_else_what_fits_the_link_type) {
     }
 }
 
+TEST(packet_record, of_an_event_is_the_whole_record_in_the_packet) {
+    octet_vector record = {0, 23, 0, 16, 0, 0, 0, 9, 0x12, 0x34, 0x56, 0x78, 0, 0, 0, 7, 0, 0, 0, 42, 0, 3, 0xAB};
+    const auto source = find_packet_source({.link_type = 147, .comment = "interface type 3, events"}, 0);
+    ASSERT_TRUE(source && source->own && source->events);
+    const made_record event({.time_ns = 5 * MS}, record, *source);
+    ASSERT_TRUE(event.made);
+    EXPECT_EQ(event.octets, octet_vector{0xAB});
+    EXPECT_EQ(event.record.header.timestamp_ms, 5U) << "on the line of the other packets";
+    EXPECT_EQ(event.record.header.record_flags, 0x12345678U);
+    EXPECT_EQ(event.record.header.channel_info, 7U);
+    EXPECT_EQ(event.record.header.sequence, 42U);
+    EXPECT_EQ(event.record.original_length, 3U);
+    EXPECT_TRUE(event.record.own_sequence);
+    record.resize(21);
+    EXPECT_FALSE(made_record({}, record, *source).made);
+    for (const char* comment : {"interface type 3, event", "interface type 3, events ", "interface type , events"}) {
+        EXPECT_FALSE(find_packet_source({.link_type = 147, .comment = comment}, 4)->own) << comment;
+    }
+}
+
 TEST(packet_record, direction_is_that_of_the_flags_then_the_header_then_the_rule) {
     const octet_vector ppp_sent = {1, 0xFF, 0x03};
     EXPECT_TRUE(made_record({}, ppp_sent, source_of(204)).sent());

@@ -61,8 +61,8 @@ std::string reported(rlim_t room) {
 }
 
 TEST(pcap_full_file, a_write_that_took_one_octet_is_gone_on_with) {
-    EXPECT_NE(reported(1).find("write pcap data header: File too large\n"), std::string::npos);
-    EXPECT_NE(reported(16 + 1).find("write pcap data pkt: File too large\n"), std::string::npos);
+    EXPECT_EQ(reported(1), "ERROR write pcap datahdr ret : 1\nwrite pcap data header: File too large\n");
+    EXPECT_EQ(reported(16 + 1), "ERROR write pcap data ret : 1\nwrite pcap data pkt: File too large\n");
 }
 
 }  // namespace

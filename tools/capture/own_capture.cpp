@@ -11,6 +11,7 @@ namespace ifwatch::capture {
 namespace {
 
 constexpr std::string_view INTERFACE_TYPE = "interface type ";
+constexpr std::string_view EVENTS = ", events";
 
 constexpr line_error LINE_ERRORS[] = {
     {3, 0, "line error: aborted"},
@@ -36,13 +37,20 @@ bool take(std::string_view& text, std::string_view words, int base, Number& numb
 
 }  // namespace
 
-std::string interface_type_comment(int channel_type) {
-    return std::string(INTERFACE_TYPE) + std::to_string(channel_type);
+std::string interface_type_comment(int channel_type, bool events) {
+    std::string comment(INTERFACE_TYPE);
+    comment += std::to_string(channel_type);
+    comment += events ? EVENTS : "";
+    return comment;
 }
 
-std::optional<int> noted_channel_type(std::string_view comment) {
-    int type = 0;
-    return take(comment, INTERFACE_TYPE, 10, type) && comment.empty() ? std::optional(type) : std::nullopt;
+std::optional<noted_interface> parse_interface_comment(std::string_view comment) {
+    noted_interface noted;
+    if (!take(comment, INTERFACE_TYPE, 10, noted.channel_type) || (!comment.empty() && comment != EVENTS)) {
+        return std::nullopt;
+    }
+    noted.events = !comment.empty();
+    return noted;
 }
 
 std::array<std::uint8_t, 6> pabx_front(std::string_view comment) {

@@ -12,18 +12,25 @@ namespace ifwatch::capture {
 
 // What ifwatch-extcap notes in a capture beside the frames, so that the records can be made of them again:
 //
-//     comment of an interface   "interface type 0"
+//     comment of an interface   "interface type 0"; "interface type 0, events" of one whose packets are whole records
 //     comment of a packet       "port 2:5, call 0x1234" and "line error: CRC", with ", " between them
 //     id of a packet            bits 31-0 sequence number, 39-32 record flags, 47-40 low octet of the info word, 63-48
 //                               what the frame has lost of the record's octets: of a tunnel the two in front, of an ATM
 //                               cell its GFC (63-60), PTI and CLP (59-56), and whether the info word has its address
 //                               (48)
 
-/// "interface type 0".
-[[nodiscard]] std::string interface_type_comment(int channel_type);
+/// What the comment of an interface tells.
+struct noted_interface {
+    int channel_type = 0;
+    bool events = false;  // its packets are records that have no frame, from their header on
 
-/// The channel type that such a comment tells; nothing of any other.
-[[nodiscard]] std::optional<int> noted_channel_type(std::string_view comment);
+    bool operator==(const noted_interface&) const = default;
+};
+
+[[nodiscard]] std::string interface_type_comment(int channel_type, bool events = false);
+
+/// What such a comment tells; nothing of any other.
+[[nodiscard]] std::optional<noted_interface> parse_interface_comment(std::string_view comment);
 
 /// The id of a record's packet. `lost` are its bits 63-48.
 [[nodiscard]] constexpr std::uint64_t own_packet_id(const record_header& header, std::uint16_t lost) {

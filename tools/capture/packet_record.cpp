@@ -11,6 +11,7 @@
 #include "capture/pcapng_blocks.h"
 #include "display/channel_display.h"
 #include "trace/element.h"
+#include "trace/record_buffer.h"
 
 namespace ifwatch::capture {
 
@@ -122,18 +123,36 @@ bool restore_front(const captured_packet& packet, const packet_source& source, c
     return true;
 }
 
+/// Takes the packet for the record that it is. False where it is shorter than the header of one.
+bool take_whole_record(const captured_packet& packet, record_clock& clock,
+                       std::span<std::uint8_t, RECORD_DATA_MAXIMUM> data, packet_record& made) {
+    constexpr std::size_t original_length = 20;  // where its field is
+    if (packet.data.size() < RECORD_HEADER_LENGTH) {
+        return false;
+    }
+    const auto octets = packet.data.subspan(RECORD_HEADER_LENGTH);
+    const std::size_t captured = std::min(octets.size(), data.size());
+    std::ranges::copy(octets.first(captured), data.begin());
+    made.header = parse_protocol_part(packet.data.subspan<4, PROTO_LENGTH>());
+    made.header.timestamp_ms = clock.at(packet);
+    made.original_length = load_be16(&packet.data[original_length]);
+    made.captured_length = static_cast<int>(captured);
+    made.own_sequence = true;
+    return true;
+}
+
 }  // namespace
 
 std::optional<packet_source> find_packet_source(const capture_interface& described, std::optional<int> channel_type) {
     const link_kind* const kind = find_link_kind(described.link_type);
     const link_header header = kind != nullptr ? kind->header : link_header::NONE;
-    if (const auto noted = noted_channel_type(described.comment)) {
-        return packet_source{*noted, header, true};
+    if (const auto noted = parse_interface_comment(described.comment)) {
+        return packet_source{noted->channel_type, header, true, noted->events};
     }
     if (!channel_type && kind != nullptr) {
         channel_type = kind->channel_type;
     }
-    return channel_type ? std::optional(packet_source{*channel_type, header, false}) : std::nullopt;
+    return channel_type ? std::optional(packet_source{*channel_type, header}) : std::nullopt;
 }
 
 std::uint32_t record_clock::at(const captured_packet& packet) {
@@ -156,6 +175,9 @@ std::uint32_t record_clock::at(const captured_packet& packet) {
 
 bool make_packet_record(const captured_packet& packet, const packet_source& source, const sent_rule& sent,
                         record_clock& clock, std::span<std::uint8_t, RECORD_DATA_MAXIMUM> data, packet_record& made) {
+    if (source.events) {
+        return take_whole_record(packet, clock, data, made);
+    }
     link_facts facts;
     if (!read_link_header(source.header, packet.data, facts)) {
         return false;

@@ -24,7 +24,8 @@ using sent_rule = std::variant<sent_nothing, sent_everything, mac_address, std::
 struct packet_source {
     int channel_type = 0;
     link_header header = link_header::NONE;
-    bool own = false;  // written by ifwatch-extcap: the packet id holds what no other field of a packet has room for
+    bool own = false;     // written by ifwatch-extcap: the packet id holds what no other field of a packet has room for
+    bool events = false;  // its packets are whole records
 };
 
 /// The source that an interface is: the type that ifwatch-extcap has noted with it, else the type given, else that

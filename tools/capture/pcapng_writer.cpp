@@ -112,6 +112,7 @@ void build_enhanced_packet(block_buffer& block, const pcapng_packet& packet) {
     writer.put_octets(packet.data);
     writer.pad();
     writer.put_text_option(OPTION_COMMENT, packet.comment);
+    writer.put_text_option(OPTION_COMMENT, packet.second_comment);
     writer.put_option(PACKET_FLAGS, packet.flags);
     if (packet.lost != 0) {
         writer.put_option(PACKET_DROP_COUNT, packet.lost);

@@ -36,6 +36,7 @@ struct pcapng_packet {
     std::uint64_t lost = 0;  // packets between the one before and this; 0 is left out
     std::optional<std::uint64_t> id;
     std::string_view comment;
+    std::string_view second_comment = {};
 };
 
 /// What an interface gave up to `time_ms`.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "atm/l1_event.h"
 #include "base/format.h"
 #include "capture/channel_types.h"
 #include "capture/link_header.h"
@@ -18,6 +19,7 @@ namespace ifwatch::capture {
 namespace {
 
 constexpr link_layer CELL_LINK = {LINK_EXPORTED_PDU, CELL_DISSECTOR, 4};
+constexpr link_layer EVENT_LINK = {LINK_USER0};
 constexpr int CELL_HEADER = 4;
 
 bool is_sent(const display_context& context) { return (context.header->record_flags & RECORD_SENT) != 0; }
@@ -95,6 +97,11 @@ front_octets add_front(const display_context& context, const link_layer& link, l
     return {link.skipped, context.channel_type == CHANNEL_TUNNEL ? context.payload.be16(0) : std::uint16_t{0}};
 }
 
+/// 0: none. The low octet of an old ATM interface's info word is a service access point.
+std::uint32_t event_code(const display_context& context) {
+    return context.channel_type == CHANNEL_ATM_OLD ? 0 : context.header->channel_info & 0xFF;
+}
+
 void add_comment(const display_context& context, link_frame& made) {
     const octets& payload = context.payload;
     if (context.channel_type == CHANNEL_PABX) {
@@ -122,8 +129,7 @@ std::uint32_t prefix_length(const link_layer& link) {
 }
 
 bool make_frame(const display_context& context, const link_layer& link, link_frame& made) {
-    // The low octet of an old ATM interface's info word is a service access point.
-    const std::uint32_t event = context.channel_type == CHANNEL_ATM_OLD ? 0 : context.header->channel_info & 0xFF;
+    const std::uint32_t event = event_code(context);
     const line_error* const error = find_line_error(event);
     if (event != 0 && error == nullptr) {
         return false;
@@ -148,6 +154,28 @@ bool make_frame(const display_context& context, const link_layer& link, link_fra
         put(made.comment, error->text);
     }
     return true;
+}
+
+const link_layer& event_link_layer() { return EVENT_LINK; }
+
+void make_event(const display_context& context, std::span<const std::uint8_t> record, link_frame& made) {
+    constexpr std::uint32_t layer_1_state = 7;  // an event without a direction
+    const std::uint32_t event = event_code(context);
+    made.cell = false;
+    made.prefix_length = 0;
+    made.comment.used = 0;
+    made.flags = event == layer_1_state ? 0 : is_sent(context) ? PACKET_OUTBOUND : PACKET_INBOUND;
+    made.id = own_packet_id(*context.header, 0);
+    made.data = record;
+    made.original_length = static_cast<std::uint32_t>(record.size());
+    if (event == 0) {
+        print_to<"DATA[%04ld]">(made.comment, context.original_length);
+        return;
+    }
+    put_l1_event(made.comment, *context.header, context.original_length);
+    if (made.comment.used == 0) {
+        print_to<"event %d">(made.comment, event);
+    }
 }
 
 }  // namespace ifwatch::capture

@@ -38,4 +38,11 @@ struct link_frame {
 /// error has damaged is one, with that in its flags or its comment.
 bool make_frame(const display_context& context, const link_layer& link, link_frame& made);
 
+/// The link layer of records that are no frames.
+[[nodiscard]] const link_layer& event_link_layer();
+
+/// Makes such a record, the current one of the context, a packet: `record` is all of it, from its header on. The
+/// comment is the event as it is printed.
+void make_event(const display_context& context, std::span<const std::uint8_t> record, link_frame& made);
+
 }  // namespace ifwatch::capture

@@ -48,6 +48,11 @@ inside() {
 
 megabytes() { du -sxm "$1" | cut -f 1; }
 
+# The seconds that a processor was busy, of what the shell's times has written: another load does not show in them.
+busy_seconds() {
+    awk 'NR == 2 { for (i = 1; i <= 2; i++) { split($i, part, "m"); sum += 60 * part[1] + part[2] } print int(sum) }' "$work/times"
+}
+
 # step NAME USER COMMAND: runs it inside, keeps what it prints in NAME.txt, and tells how long it took, and how many
 # megabytes it has added to the system and to the project's folder.
 step() {
@@ -55,12 +60,16 @@ step() {
     say "$1: $3"
     system_before=$(megabytes "$root") tree_before=$(megabytes "$root$tree")
     began=$(date +%s)
+    times >"$work/times"
+    busy=$(busy_seconds)
     outcome=passed
     inside "$2" "$3" >"$log" 2>&1 || outcome=FAILED
+    times >"$work/times"
+    busy=$(($(busy_seconds) - busy))
     seconds=$(($(date +%s) - began))
     added=$(($(megabytes "$root$tree") - tree_before))
     installed=$(($(megabytes "$root") - system_before - added))
-    echo "   $outcome in $((seconds / 60)) min $((seconds % 60)) s; $installed MB installed, $added MB built"
+    echo "   $outcome in $((seconds / 60)) min $((seconds % 60)) s, $busy s of a processor; $installed MB installed, $added MB built"
     # What apt fetched; from the second run on it has most of it already.
     sed -n 's/^Need to get \([0-9,.]* [kM]\?B\/\)\?\(.*\) of archives.*/   \2 of packages/p' "$log"
     warnings=$(grep -c 'warning: ' "$log") || true

@@ -1,5 +1,11 @@
 #include "extcap/bchannel_kinds.h"
 
+#include <algorithm>
+#include <iterator>
+#include <limits>
+
+#include "sim/text_parts.h"
+
 namespace ifwatch::extcap {
 
 namespace {
@@ -15,8 +21,51 @@ constexpr bchannel_kind BCHANNEL_KINDS[] = {
     {"raw", "Raw frames (link type USER0)", {LINK_USER0}},
 };
 
+const bchannel_kind* find_kind(std::string_view word) {
+    const auto* const found = std::ranges::find(BCHANNEL_KINDS, word, &bchannel_kind::word);
+    return found != std::end(BCHANNEL_KINDS) ? found : nullptr;
+}
+
+/// Takes one part: a kind, or an interface with its own.
+bool take_part(std::string_view part, bool& has_usual, bchannel_choice& choice) {
+    const std::size_t equals = part.find('=');
+    const bool for_all = equals == std::string_view::npos;
+    const bchannel_kind* const kind = find_kind(for_all ? part : part.substr(equals + 1));
+    if (kind == nullptr || (for_all && has_usual)) {
+        return false;
+    }
+    if (for_all) {
+        has_usual = true;
+        choice.usual = kind;
+        return true;
+    }
+    const auto index = sim::parse_number(part.substr(0, equals), 0, std::numeric_limits<std::int32_t>::max());
+    choice.exceptions.push_back({static_cast<std::int32_t>(index.value_or(0)), kind});
+    return index.has_value();
+}
+
 }  // namespace
 
 std::span<const bchannel_kind> bchannel_kinds() { return BCHANNEL_KINDS; }
+
+const bchannel_kind& bchannel_choice::of(std::int32_t index) const {
+    const auto found = std::ranges::find(exceptions, index, &exception::index);
+    return found != exceptions.end() ? *found->kind : *usual;
+}
+
+std::optional<bchannel_choice> parse_bchannel_choice(std::string_view text) {
+    bchannel_choice choice;
+    bool has_usual = false;
+    while (true) {
+        const std::size_t comma = text.find(',');
+        if (!take_part(text.substr(0, comma), has_usual, choice)) {
+            return std::nullopt;
+        }
+        if (comma == std::string_view::npos) {
+            return choice;
+        }
+        text.remove_prefix(comma + 1);
+    }
+}
 
 }  // namespace ifwatch::extcap

@@ -4,209 +4,320 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-#include <span>
+#include <memory>
+#include <vector>
 
-#include "capture/own_capture.h"
-#include "capture/pcapng_writer.h"
-#include "capture/record_frame.h"
-#include "display/display_context.h"
+#include "extcap/capture_file.h"
 #include "extcap/stop.h"
-#include "extcap/time_line.h"
-#include "trace/ifc_types.h"
-#include "trace/record_buffer.h"
-#include "trace/record_stream.h"
+#include "extcap/time_order.h"
+#include "extcap/traced_interface.h"
 
 namespace ifwatch::extcap {
 
 namespace {
 
-using namespace ifwatch::capture;
+using state = traced_interface::state;
 
 constexpr int STATUS_MISTAKE = 2;
 
-/// How a step of a capture went.
-enum class step : std::uint8_t { DONE, END, FAILED };
+template <class Clock>
+std::int64_t milliseconds_of() {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now().time_since_epoch()).count();
+}
 
-/// The packets of one of the file's interfaces.
-struct packet_counts {
-    std::uint64_t captured = 0;
-    std::uint64_t lost = 0;
-};
+router_clock::arrival arrival_now() {
+    return {milliseconds_of<std::chrono::system_clock>(), milliseconds_of<std::chrono::steady_clock>(), false};
+}
 
 class capture_run {
 public:
-    capture_run(const plugin_options& options, int fifo, int socket_fd, display_context& context)
-        : options_(options),
-          fifo_(fifo),
-          socket_fd_(socket_fd),
-          context_(context),
-          link_(find_link_layer(context.channel_type, options.bchannel->link)) {}
+    capture_run(const plugin_options& options, router_access& access, capture_file& file, const problem_teller& tell)
+        : options_(options), access_(access), file_(file), tell_(tell), clock_(options.router_time) {}
 
-    bool run(failure& why) {
-        step last = begin();
-        while (last == step::DONE) {
-            last = wait_for_record() ? take_record() : step::END;
-        }
-        why = {1, std::move(problem_)};
-        return last == step::END;
-    }
+    /// Traces the interfaces until the capture is over. False when every one of them has failed.
+    bool run(const std::vector<std::int32_t>& indexes, int stop_fd);
 
 private:
-    /// Writes the block, or notes the problem. A reader that has gone is the end.
-    step write_block() {
-        std::span<const std::uint8_t> rest = block_;
-        while (!rest.empty()) {
-            const ssize_t written = write(fifo_, rest.data(), rest.size());
-            if (written > 0) {
-                rest = rest.subspan(static_cast<std::size_t>(written));
-            } else if (written < 0 && errno == EPIPE) {
-                return step::END;
-            } else if (written == 0 || errno != EINTR) {
-                return fail(options_.fifo + ": " + std::strerror(errno));
-            }
-        }
-        return step::DONE;
-    }
+    void wait(int stop_fd);
+    [[nodiscard]] int time_to_wait();
+    void begin(traced_interface& which);
+    void serve(traced_interface& which);
+    void finish_set_up(traced_interface& which);
+    void read(traced_interface& which);
+    bool take_records(traced_interface& which);
+    void lose(traced_interface& which, const std::string& reason, bool again);
+    void write_next();
+    void write_overdue();
+    void write(traced_interface& from, std::span<std::uint8_t> record, const waiting_record& noted);
+    void stop();
 
-    step fail(std::string problem) {
-        problem_ = std::move(problem);
-        return step::FAILED;
-    }
-
-    step begin() {
-        if (!allocate(records_)) {
-            return fail(take_reports());
-        }
-        build_section_header(block_, "ifwatch-extcap " EXTCAP_VERSION);
-        const step first = write_block();
-        return first == step::DONE ? describe(link_, "") : first;
-    }
-
-    /// Writes an interface's description.
-    step describe(const link_layer& link, const std::string& suffix) {
-        const std::string index = std::to_string(options_.interface_index.value_or(0));
-        const auto length = static_cast<std::uint32_t>(options_.capture_length);
-        build_interface_description(block_, {.link_type = link.type,
-                                             .snapshot_length = length != 0 ? length + prefix_length(link) : 0,
-                                             .name = "ifwatch-" + index + suffix,
-                                             .description = "Interface " + index + " of " + options_.host + ": " +
-                                                            ifc_type_entry(context_.channel_type).name + suffix,
-                                             .filter = options_.filter,
-                                             .comment = interface_type_comment(context_.channel_type)});
-        return write_block();
-    }
-
-    /// False when the reader of the FIFO has gone.
-    [[nodiscard]] bool wait_for_record() const {
-        pollfd waiting[] = {{socket_fd_, POLLIN, 0}, {fifo_, 0, 0}};
-        while (poll(waiting, 2, -1) < 0 && errno == EINTR) {
-        }
-        return (waiting[1].revents & POLLERR) == 0;
-    }
-
-    step take_record() {
-        const record_read got = receive_record(socket_fd_, records_, context_);
-        if (got == record_read::RECORD) {
-            return write_record();
-        }
-        if (got == record_read::BROKEN && !stop_asked()) {
-            return fail("router " + options_.host + ": the trace broke off: " + take_reports());
-        }
-        return write_statistics();
-    }
-
-    /// Notes what a gap in the sequence of the records tells of lost ones.
-    void follow_sequence() {
-        const std::uint32_t sequence = context_.header->sequence;
-        const std::uint32_t lost = times_.started() ? sequence - previous_sequence_ - 1 : 0;
-        const bool forward = static_cast<std::int32_t>(lost) > 0;  // a sequence may begin anew
-        lost_before_ += forward ? lost : 0;
-        previous_sequence_ = sequence;
-    }
-
-    step write_record() {
-        follow_sequence();
-        const std::uint64_t time = times_.at(context_.header->timestamp_ms, first_time());
-        if (!make_frame(context_, link_, frame_)) {
-            return step::DONE;
-        }
-        const std::uint32_t interface_id = frame_.cell ? 1 : 0;
-        packet_counts& counts = counts_[interface_id];
-        ++counts.captured;
-        counts.lost += lost_before_;
-        if (frame_.cell && !cells_described_) {
-            cells_described_ = true;
-            if (const step described = describe(cell_link_layer(), " cells"); described != step::DONE) {
-                return described;
-            }
-        }
-        build_enhanced_packet(block_, {.interface_id = interface_id,
-                                       .time_ms = time,
-                                       .prefix = frame_.prefix(),
-                                       .data = frame_.data,
-                                       .original_length = frame_.original_length,
-                                       .flags = frame_.flags,
-                                       .lost = lost_before_,
-                                       .id = frame_.id,
-                                       .comment = frame_.comment.text()});
-        lost_before_ = 0;
-        return write_block();
-    }
-
-    [[nodiscard]] std::int64_t first_time() const {
-        using namespace std::chrono;
-        if (options_.router_time || times_.started()) {
-            return -1;
-        }
-        return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
-    }
-
-    /// Writes what each interface gave. What was lost behind the last packet counts as the first one's.
-    step write_statistics() {
-        if (!times_.started()) {
-            return step::END;
-        }
-        counts_[0].lost += lost_before_;
-        const std::uint32_t interfaces = cells_described_ ? 2 : 1;
-        for (std::uint32_t id = 0; id < interfaces; ++id) {
-            const packet_counts& counts = counts_[id];
-            build_interface_statistics(block_, {.interface_id = id,
-                                                .time_ms = times_.latest(),
-                                                .received = counts.captured + counts.lost,
-                                                .lost = counts.lost});
-            if (const step written = write_block(); written != step::DONE) {
-                return written;
-            }
-        }
-        return step::END;
+    [[nodiscard]] bool going() const {
+        return std::ranges::any_of(interfaces_, [](const auto& one) { return one->now() != state::OVER; });
     }
 
     const plugin_options& options_;
-    int fifo_;
-    int socket_fd_;
-    display_context& context_;
-    link_layer link_;
-    record_buffer records_;
-    block_buffer block_;
-    link_frame frame_;
-    time_line times_;
-    bool cells_described_ = false;
-    std::uint32_t previous_sequence_ = 0;
-    std::array<packet_counts, 2> counts_{};  // of the interface and of its cells
-    std::uint64_t lost_before_ = 0;          // since the last packet
-    std::string problem_;
+    router_access& access_;
+    capture_file& file_;
+    const problem_teller& tell_;
+    router_clock clock_;
+    time_order order_;
+    std::vector<std::unique_ptr<traced_interface>> interfaces_;
+    std::vector<pollfd> watched_;
+    router_clock::arrival now_;
+    bool stopping_ = false;
 };
+
+bool capture_run::run(const std::vector<std::int32_t>& indexes, int stop_fd) {
+    for (const std::int32_t index : indexes) {
+        interfaces_.push_back(std::make_unique<traced_interface>(index));
+        interfaces_.back()->inbox().owner = interfaces_.size() - 1;
+    }
+    now_ = arrival_now();
+    for (const auto& which : interfaces_) {
+        begin(*which);
+    }
+    while (file_.open() && going()) {
+        wait(stop_fd);
+    }
+    while (!order_.empty()) {
+        write_next();
+    }
+    file_.finish();
+    const bool failed = std::ranges::all_of(interfaces_, [](const auto& one) { return one->failed(); });
+    return stopping_ || !file_.open() || !failed;
+}
+
+/// Waits for something to happen, and serves it.
+void capture_run::wait(int stop_fd) {
+    watched_.clear();
+    watched_.push_back({file_.fd(), 0, 0});  // an error: its reader has gone
+    watched_.push_back({stop_fd, POLLIN, 0});
+    for (const auto& which : interfaces_) {
+        watched_.push_back({which->fd(), POLLIN, 0});
+    }
+    const int ready = poll(watched_.data(), watched_.size(), time_to_wait());
+    now_ = arrival_now();
+    write_overdue();
+    if (ready > 0 && (watched_[0].revents & POLLERR) != 0) {
+        file_.close();
+    }
+    if (ready > 0 && watched_[1].revents != 0 && !stopping_) {
+        stop();
+    }
+    for (std::size_t i = 0; i < interfaces_.size() && file_.open(); ++i) {
+        traced_interface& which = *interfaces_[i];
+        if (ready > 0 && watched_[i + 2].revents != 0 && which.fd() == watched_[i + 2].fd) {
+            serve(which);
+        } else if (which.now() == state::WAITING && which.retry_at() <= now_.steady_ms) {
+            begin(which);
+        }
+    }
+    file_.flush();
+}
+
+int capture_run::time_to_wait() {
+    const std::int64_t now = milliseconds_of<std::chrono::steady_clock>();
+    std::int64_t shortest = order_.until_due(now);
+    for (const auto& which : interfaces_) {
+        if (which->now() == state::WAITING) {
+            const std::int64_t left = std::max<std::int64_t>(which->retry_at() - now, 0);
+            shortest = shortest < 0 ? left : std::min(shortest, left);
+        }
+    }
+    return static_cast<int>(shortest);
+}
+
+void capture_run::begin(traced_interface& which) {
+    std::string reason;
+    if (!which.begin(access_, reason)) {
+        lose(which, reason, true);
+    }
+}
+
+void capture_run::serve(traced_interface& which) {
+    if (which.now() == state::SETTING_UP) {
+        finish_set_up(which);
+    } else {
+        read(which);
+    }
+}
+
+void capture_run::finish_set_up(traced_interface& which) {
+    const std::int32_t type_before = which.line().channel_type;
+    const bool described = which.ever_traced();
+    while (!which.inbox().empty()) {  // of the session before
+        write_next();
+    }
+    const opened_session session = which.take_set_up(now_.steady_ms);
+    if (session.result != set_up::OPEN) {
+        lose(which, session.reason, session.result == set_up::UNREACHABLE || described);
+    } else if (!described || session.channel_type != type_before) {
+        file_.describe(which.line());
+    }
+    const bool more = std::ranges::any_of(interfaces_, [](const auto& one) { return one->now() == state::SETTING_UP; });
+    if (!more && !options_.reconnect) {
+        access_.forget_password();
+    }
+}
+
+void capture_run::read(traced_interface& which) {
+    if (!which.inbox().has_room()) {
+        while (!which.inbox().empty() && !which.inbox().has_ample_room()) {
+            write_next();
+        }
+    }
+    std::string reason;
+    const bool open = which.read(reason);
+    if (open && take_records(which)) {
+        return;
+    }
+    if (open) {
+        reason = take_reports();
+    }
+    const bool in_order = reason.empty();
+    if (stopping_ || (in_order && !options_.reconnect)) {
+        which.end(false);
+    } else {
+        lose(which, in_order ? "the router closed the session" : "the trace broke off: " + reason, true);
+    }
+}
+
+/// False at a record that is none.
+bool capture_run::take_records(traced_interface& which) {
+    const bool alone = interfaces_.size() == 1;
+    record_inbox& inbox = which.inbox();
+    std::span<std::uint8_t> record;
+    record_inbox::found got = record_inbox::found::RECORD;
+    while (file_.open() && (got = inbox.next(record)) == record_inbox::found::RECORD) {
+        const waiting_record noted = which.note(record, clock_, now_);
+        if (alone) {
+            write(which, record, noted);
+            continue;
+        }
+        while (inbox.waiting() == record_inbox::MAX_WAITING) {
+            write_next();
+        }
+        order_.add(inbox, noted, now_.steady_ms);
+    }
+    return got != record_inbox::found::BROKEN;
+}
+
+/// Tells, once for an interface, why it has no session, and lets it be tried again if that is wanted.
+void capture_run::lose(traced_interface& which, const std::string& reason, bool again) {
+    again = again && options_.reconnect;
+    if (which.tell_once()) {
+        const std::string number = interfaces_.size() > 1 ? ", interface " + std::to_string(which.index()) : "";
+        tell_("router " + options_.host + number + ": " + reason + (again ? "; trying again" : ""));
+    }
+    if (again) {
+        which.end_and_wait(reason, now_.steady_ms);
+    } else {
+        which.end(true);
+    }
+}
+
+void capture_run::write_next() {
+    record_inbox& inbox = order_.next();
+    traced_interface& from = *interfaces_[inbox.owner];
+    write(from, inbox.first_octets(), inbox.first());
+    order_.drop_next();
+}
+
+void capture_run::write_overdue() {
+    while (order_.overdue(now_.steady_ms)) {
+        write_next();
+    }
+}
+
+void capture_run::write(traced_interface& from, std::span<std::uint8_t> record, const waiting_record& noted) {
+    const std::string note = noted.noted ? from.take_note() : std::string();
+    file_.put_record(from.line(), record, {.time_ms = clock_.time_of(noted.order), .lost = noted.lost, .text = note});
+}
+
+void capture_run::stop() {
+    stopping_ = true;
+    for (const auto& which : interfaces_) {
+        which->stop();
+    }
+}
+
+/// Asks the router for its list, as often as it takes with --reconnect. False when the reader of the FIFO has gone.
+bool list_patiently(const plugin_options& options, router_access& access, int fifo, const problem_teller& tell,
+                    std::vector<listed_interface>& listed, opened_session& session) {
+    retry_pause pause;
+    bool told = false;
+    while (true) {
+        session = access.list(listed);
+        if (session.result != set_up::UNREACHABLE || !options.reconnect) {
+            return true;
+        }
+        if (!told) {
+            tell("router " + options.host + ": " + session.reason + "; trying again");
+            told = true;
+        }
+        pollfd reader{fifo, 0, 0};
+        if (poll(&reader, 1, pause.next_s() * 1000) > 0) {
+            return false;
+        }
+    }
+}
+
+/// Finds the indexes of the interfaces to trace, and tells which of them there are not. False when there are none, with
+/// the reason; that is empty when the reader of the FIFO has gone.
+bool find_interfaces(const plugin_options& options, router_access& access, int fifo, const problem_teller& tell,
+                     std::vector<std::int32_t>& indexes, std::string& reason) {
+    std::vector<listed_interface> listed;
+    opened_session session{.result = set_up::OPEN};
+    if (options.interfaces.needs_list() && !list_patiently(options, access, fifo, tell, listed, session)) {
+        return false;
+    }
+    std::vector<std::string> unknown;
+    indexes = resolve_choice(options.interfaces, listed, unknown);
+    std::string words;
+    for (const std::string& word : unknown) {
+        words += (words.empty() ? "" : ",") + word;
+    }
+    const bool has_list = session.result == set_up::OPEN;
+    reason = has_list ? "no interface " + words : "its list, for " + words + ": " + session.reason;
+    if (!unknown.empty() && !indexes.empty()) {
+        tell("router " + options.host + ": " + reason);
+    }
+    return !indexes.empty();
+}
+
+bool capture_interfaces(const plugin_options& options, int fifo, const problem_teller& tell, failure& why) {
+    router_access access(options);
+    if (!access.prepare(why)) {
+        return false;
+    }
+    why = {};
+    std::vector<std::int32_t> indexes;
+    std::string reason;
+    if (!find_interfaces(options, access, fifo, tell, indexes, reason)) {
+        why.text = reason.empty() ? "" : "router " + options.host + ": " + reason;
+        return reason.empty();
+    }
+    const int stop_fd = tell_signals();
+    if (stop_fd < 0) {
+        why.text = std::string("signals: ") + std::strerror(errno);
+        return false;
+    }
+    capture_file file(options, fifo);
+    const bool done = capture_run(options, access, file, tell).run(indexes, stop_fd);
+    why.text = file.problem();
+    return done && why.text.empty();
+}
 
 }  // namespace
 
-bool capture(const plugin_options& options, const std::string& mistake, failure& why) {
+bool capture(const plugin_options& options, const std::string& mistake, const problem_teller& tell, failure& why) {
     end_on_signals();
     // Open until the process ends: its reader takes that for the end of the capture, and asks for no error after it.
-    const int fifo = open(options.fifo.c_str(), O_WRONLY | O_CLOEXEC);
+    const int fifo = ::open(options.fifo.c_str(), O_WRONLY | O_CLOEXEC);
     if (fifo < 0) {
         why = {1, options.fifo + ": " + std::strerror(errno)};
         return false;
@@ -215,14 +326,7 @@ bool capture(const plugin_options& options, const std::string& mistake, failure&
         why = {STATUS_MISTAKE, mistake};
         return false;
     }
-    display_context context;
-    init_display_context(context);
-    const int socket_fd = open_trace(options, context, why);
-    if (socket_fd < 0) {
-        return false;
-    }
-    end_stream_on_signals(socket_fd);
-    return capture_run(options, fifo, socket_fd, context).run(why);
+    return capture_interfaces(options, fifo, tell, why);
 }
 
 }  // namespace ifwatch::extcap

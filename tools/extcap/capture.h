@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "extcap/options.h"
@@ -7,9 +8,13 @@
 
 namespace ifwatch::extcap {
 
-/// Traces the chosen interface into the FIFO until the router ends the trace, the reader of the FIFO goes or a signal
-/// comes. `mistake`, if there is one, is what was wrong with the options: the FIFO is opened even then, since the
-/// analyser waits for that. True, or false with the reason.
-bool capture(const plugin_options& options, const std::string& mistake, failure& why);
+/// Gets one line for a problem that the capture goes on with.
+using problem_teller = std::function<void(const std::string& text)>;
+
+/// Traces the chosen interfaces into the FIFO, each in a session of its own, until the router has ended all of them,
+/// the reader of the FIFO goes or a signal comes. `mistake`, if there is one, is what was wrong with the options: the
+/// FIFO is opened even then, since the analyser waits for that. True, or false with the reason, which is empty when
+/// every interface has failed and was told.
+bool capture(const plugin_options& options, const std::string& mistake, const problem_teller& tell, failure& why);
 
 }  // namespace ifwatch::extcap

@@ -19,19 +19,28 @@ Examples:
   tshark -i ifwatch -f '-B ::6::23 -o -B ::6::22' -o extcap.ifwatch.host:router \
          -o extcap.ifwatch.interface:1000 -o extcap.ifwatch.credentials:/home/me/.routers
                         telnet and SSH on the LAN of slot 1; the router filters
+  tshark -i ifwatch -o extcap.ifwatch.host:router -o extcap.ifwatch.interface:line:2100
+                        a D-channel and all its B-channels in one time line
+  tshark -i ifwatch -b duration:3600 -b files:168 -w week.pcapng -o extcap.ifwatch.host:router \
+         -o extcap.ifwatch.interface:all -o extcap.ifwatch.reconnect:true
+                        a week of the whole router over a line that drops, a file for each hour
 
 Options of a capture (in the form, or as tshark -o extcap.ifwatch.NAME:VALUE with the hyphens of the name left out):
   --host ROUTER         name or IPv4 address of the router; TRACE_HOST when left out
   --port N              TCP port of its trace daemon (7000); TRACE_PORT goes before it
-  --interface INDEX     interface index, 1000 * slot + 100 * unit + channel; the form asks the router which it has
-  --index INDEX         the same, to be typed in the form; with both given, they must be equal
+  --interface LIST      which interfaces, with commas between: an index, 1000 * slot + 100 * unit + channel; a range of
+                        them, 2100-2130, of those that the router has; line:2100, a D-channel with all its B-channels;
+                        slot:2; all. The form asks the router which it has
+  --index LIST          the same, to be typed in the form; with both given, they must be equal
   --bchannel KIND       what ISDN B-channels carry: ppp (the default), lapb (LAPB or X.75, with X.25 on it),
-                        frame-relay, cisco-hdlc, ip or raw
+                        frame-relay, cisco-hdlc, ip or raw; another for one of them as in ppp,2102=lapb
   --credentials FILE    a file of lines "ROUTER PASSWORD", readable by its owner only; ROUTER may be *, "#" begins a
                         comment line, and the first line that fits counts
   --capture-length N    octets captured of each frame (0: all)
   --vpi N, --vci N      only this connection of an ATM line
   --router-time         leave the router's time stamps, milliseconds of its own count
+  --reconnect           when the router closes a session or cannot be reached, try again after 1, 2, 4 and up to 60
+                        seconds, until the capture is stopped
 
 The password comes from the credentials file or from TRACE_PWD. There is no option for it: options can be read in the
 list of processes.
@@ -65,11 +74,18 @@ packet again. Times begin with the wall clock when the first record arrives. The
   USER0 (147)           frames of no known kind: SHDSL, ADSL and other interfaces, raw B-channels; WLAN management, with
                         the object's name as a comment
 B-channel frames are taken as they are: asynchronous PPP and bit-transparent data are not put together. Frames with a
-line error are there, marked as such. Left out are records that are no frames: those without octets, and the other
-events of the physical layer, such as its activation.
+line error are there, marked as such. Records that are no frames, those without octets and the other events of the
+physical layer, such as its activation, are packets of a further pcapng interface, "ifwatch-2100 events": of link type
+USER0, the record as the router sent it, with the printed event as a comment.
+
+Several interfaces have a session each. What arrives within 50 ms is written in the order of the router's clock, nothing
+is held longer, and each interface keeps its own order where there is but one. An interface that the router refuses, or
+whose session breaks, is named once on the error stream, and the others go on. With --reconnect the first packet behind
+a gap has a comment, such as "gap of 12.345 s: the router closed the session", and so has the first one behind a restart
+of the router's clock.
 
 Exit status: 0 after a capture that the router, the analyser or a signal ended; 1 when the router cannot be reached,
-refuses or breaks off, or the packets cannot be written; 2 for a mistake in the options, the filter or the credentials
+refuses or breaks off (of several interfaces: all of them), or the packets cannot be written; 2 for a mistake in the options, the filter or the credentials
 file. Nothing but an error goes to the error stream.
 )help";
 

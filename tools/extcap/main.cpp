@@ -32,9 +32,16 @@ int reload(const plugin_options& options) {
         return complain(
             {STATUS_MISTAKE, "--extcap-reload-option: only the values of 'interface' come from the router"});
     }
-    std::vector<ifwatch::listed_interface> listed;
     failure why;
-    return list_interfaces(options, listed, why) ? answer(interface_value_sentences(listed)) : complain(why);
+    router_access access(options);
+    if (!access.prepare(why)) {
+        return complain(why);
+    }
+    std::vector<ifwatch::listed_interface> listed;
+    const opened_session session = access.list(listed);
+    access.forget_password();
+    return session.result == set_up::OPEN ? answer(interface_value_sentences(listed))
+                                          : complain({1, "router " + options.host + ": " + session.reason});
 }
 
 /// A wrong filter is an answer, too: the analyser reads it only with exit status 0.
@@ -46,7 +53,11 @@ int check_filter(const plugin_options& options) {
 
 int trace(const plugin_options& options, const std::string& mistake) {
     failure why;
-    return capture(options, mistake, why) ? 0 : complain(why);
+    const auto tell = [](const std::string& text) { complain({1, text}); };
+    if (capture(options, mistake, tell, why)) {
+        return 0;
+    }
+    return why.text.empty() ? why.status : complain(why);
 }
 
 int run(const plugin_options& options) {

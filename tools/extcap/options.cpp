@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <iterator>
-#include <limits>
+#include <utility>
 
 #include "sim/text_parts.h"
 
@@ -16,7 +16,6 @@ namespace {
 using sim::in_quotes;
 using sim::parse_number;
 
-constexpr std::int64_t LARGEST_INDEX = std::numeric_limits<std::int32_t>::max();
 constexpr std::int64_t LONGEST_FRAME = 8192;
 
 bool set_host(const std::string& text, plugin_options& options) {
@@ -28,24 +27,19 @@ bool set_port(const std::string& text, plugin_options& options) {
     options.port = static_cast<std::uint16_t>(value.value_or(DEFAULT_PORT));
     return value.has_value();
 }
-bool set_index(const std::string& text, plugin_options& options) {
-    const auto value = parse_number(text, 0, LARGEST_INDEX);
-    options.interface_index = static_cast<std::int32_t>(value.value_or(0));
-    return value.has_value();
+bool set_choice(const std::string& text, interface_choice& choice) {
+    auto parsed = parse_interface_choice(text);
+    choice = parsed ? std::move(*parsed) : interface_choice{};
+    return parsed.has_value();
 }
-bool set_typed_index(const std::string& text, plugin_options& options) {
-    const auto value = parse_number(text, 0, LARGEST_INDEX);
-    options.typed_index = static_cast<std::int32_t>(value.value_or(0));
-    return value.has_value();
+bool set_interfaces(const std::string& text, plugin_options& options) { return set_choice(text, options.interfaces); }
+bool set_typed_interfaces(const std::string& text, plugin_options& options) {
+    return set_choice(text, options.typed_interfaces);
 }
-bool set_bchannel(const std::string& text, plugin_options& options) {
-    const auto kinds = bchannel_kinds();
-    const auto found = std::ranges::find(kinds, text, &bchannel_kind::word);
-    if (found == kinds.end()) {
-        return false;
-    }
-    options.bchannel = &*found;
-    return true;
+bool set_bchannels(const std::string& text, plugin_options& options) {
+    auto parsed = parse_bchannel_choice(text);
+    options.bchannels = parsed ? std::move(*parsed) : bchannel_choice{};
+    return parsed.has_value();
 }
 bool set_credentials(const std::string& text, plugin_options& options) {
     options.credentials = text;
@@ -68,6 +62,10 @@ bool set_vci(const std::string& text, plugin_options& options) {
 }
 bool set_router_time(const std::string& /*text*/, plugin_options& options) {
     options.router_time = true;
+    return true;
+}
+bool set_reconnect(const std::string& /*text*/, plugin_options& options) {
+    options.reconnect = true;
     return true;
 }
 bool set_interface_id(const std::string& text, plugin_options& options) {
@@ -96,6 +94,8 @@ struct known_option {
     const char* takes = nullptr;  // for the message about a wrong argument
 };
 
+constexpr const char* CHOICES = "interface indexes, ranges of them, line:INDEX, slot:N and all, with commas between";
+
 constexpr known_option OPTIONS[] = {
     {"extcap-interfaces", no_argument, call::LIST_INTERFACES},
     {"extcap-version", optional_argument, call::VERSION},
@@ -111,14 +111,16 @@ constexpr known_option OPTIONS[] = {
     {"fifo", required_argument, call::NONE, set_fifo},
     {"host", required_argument, call::NONE, set_host, "a router's name or IPv4 address"},
     {"port", required_argument, call::NONE, set_port, "a port from 1 to 65535"},
-    {"interface", required_argument, call::NONE, set_index, "an interface index"},
-    {"index", required_argument, call::NONE, set_typed_index, "an interface index"},
-    {"bchannel", required_argument, call::NONE, set_bchannel, "ppp, lapb, frame-relay, cisco-hdlc, ip or raw"},
+    {"interface", required_argument, call::NONE, set_interfaces, CHOICES},
+    {"index", required_argument, call::NONE, set_typed_interfaces, CHOICES},
+    {"bchannel", required_argument, call::NONE, set_bchannels,
+     "ppp, lapb, frame-relay, cisco-hdlc, ip or raw, and INDEX=KIND for one interface"},
     {"credentials", required_argument, call::NONE, set_credentials},
     {"capture-length", required_argument, call::NONE, set_capture_length, "a number of octets up to 8192"},
     {"vpi", required_argument, call::NONE, set_vpi, "a number from 0 to 255"},
     {"vci", required_argument, call::NONE, set_vci, "a number from 0 to 65535"},
     {"router-time", no_argument, call::NONE, set_router_time},
+    {"reconnect", no_argument, call::NONE, set_reconnect},
     {"help", no_argument, call::HELP},
 };
 constexpr int OPTION_COUNT = static_cast<int>(std::size(OPTIONS));
@@ -169,13 +171,12 @@ std::string find_gap(const plugin_options& options) {
     if (options.what == call::CAPTURE && options.fifo.empty()) {
         return "--fifo is missing: where are the packets to go?";
     }
-    const auto& chosen = options.interface_index;
-    const auto& typed = options.typed_index;
-    if (options.what == call::CAPTURE && chosen && typed && *chosen != *typed) {
-        return "the interface and the index differ: " + std::to_string(*chosen) + " and " + std::to_string(*typed) +
-               "; give one of them";
+    const interface_choice& chosen = options.interfaces;
+    const interface_choice& typed = options.typed_interfaces;
+    if (options.what == call::CAPTURE && !chosen.empty() && !typed.empty() && chosen != typed) {
+        return "the interface and the index differ: " + chosen.text() + " and " + typed.text() + "; give one of them";
     }
-    if (options.what == call::CAPTURE && !chosen && !typed) {
+    if (options.what == call::CAPTURE && chosen.empty() && typed.empty()) {
         return "--interface is missing: which interface of the router?";
     }
     return "";
@@ -184,7 +185,6 @@ std::string find_gap(const plugin_options& options) {
 }  // namespace
 
 bool parse_options(int argc, char** argv, plugin_options& options, std::string& error) {
-    options.bchannel = &bchannel_kinds().front();
     error.clear();
     const auto note = [&error](std::string problem) { error = error.empty() ? std::move(problem) : error; };
     option longs[OPTION_COUNT + 1] = {};
@@ -208,7 +208,9 @@ bool parse_options(int argc, char** argv, plugin_options& options, std::string& 
     const char* const usual_host = std::getenv("TRACE_HOST");
     options.host = options.host.empty() && usual_host != nullptr ? usual_host : options.host;
     note(find_gap(options));
-    options.interface_index = options.interface_index ? options.interface_index : options.typed_index;
+    if (options.interfaces.empty()) {
+        options.interfaces = options.typed_interfaces;
+    }
     return error.empty();
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 
 #include "extcap/bchannel_kinds.h"
+#include "extcap/interface_choice.h"
 #include "trace/addinfo.h"
 
 namespace ifwatch::extcap {
@@ -38,13 +38,14 @@ struct plugin_options {
 
     std::string host;  // TRACE_HOST where none is given; empty without it
     std::uint16_t port = DEFAULT_PORT;
-    std::optional<std::int32_t> interface_index;  // --interface, or else --index
-    std::optional<std::int32_t> typed_index;      // --index
-    const bchannel_kind* bchannel = nullptr;      // never nullptr once parsed
-    std::string credentials;                      // name of a file; empty: none
-    std::int32_t capture_length = 0;              // 0: whole frames
+    interface_choice interfaces;        // --interface, or else --index
+    interface_choice typed_interfaces;  // --index
+    bchannel_choice bchannels;
+    std::string credentials;          // name of a file; empty: none
+    std::int32_t capture_length = 0;  // 0: whole frames
     atm_parameters atm;
     bool router_time = false;  // leave the router's time stamps
+    bool reconnect = false;    // try again when a session ends or the router cannot be reached
 };
 
 /// Parses the command line. An option with an empty argument counts as not given, for that is how the analyser passes

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <span>
 #include <string_view>
 
@@ -14,6 +14,7 @@
 #include "extcap/filter.h"
 #include "trace/auth.h"
 #include "trace/session.h"
+#include "trace/trace_target.h"
 
 namespace ifwatch::extcap {
 
@@ -33,91 +34,85 @@ void keep_reports() {
     set_report_writer([](std::string_view text) { kept_reports() += text; });
 }
 
-/// What a session is opened with, apart from its target.
-struct access {
-    secret password;
-    addinfo_buffer addinfo;
-
-    [[nodiscard]] std::span<const std::uint8_t> elements() const {
-        return std::span(addinfo.data).first(static_cast<std::size_t>(addinfo.used));
-    }
-};
-
-bool prepare(const plugin_options& options, bool list_mode, access& with, failure& why) {
-    why.status = STATUS_MISTAKE;
-    if (options.host.empty()) {
-        why.text = "--host is missing: which router?";
-        return false;
-    }
-    if (!list_mode && !add_capture_filter(options.filter, with.addinfo, why.text)) {
-        return false;
-    }
-    with.addinfo.used = build_addinfo(NEWEST_VERSION, with.addinfo.data, options.atm, list_mode, with.addinfo.used);
-    return find_password(options.credentials, options.host, with.password, why.text);
+/// What the session's reports say when the router ended the connection.
+bool tells_of_a_close(std::string_view reports) {
+    return reports.starts_with("missing elem") || reports.starts_with("write ");
 }
 
-/// Tells of a router that did not take the request for its list as this version of the protocol has it. `reports` is
-/// what the session said of it.
+/// Tells of a router that did not take the request for its list as this version of the protocol has it.
 std::string describe_listless(std::string_view reports) {
-    const bool closed = reports.starts_with("missing elem") || reports.starts_with("write ");
-    return closed ? "it closed the connection (perhaps it cannot list its interfaces; type the index of one)"
-                  : "it cannot list its interfaces; type the index of one";
-}
-
-/// Sets the session up, once more when the first attempt names the version to use. The socket, or -1.
-int open_with(const plugin_options& options, access& with, const session_settings& settings, const trace_target& target,
-              display_context& context, failure& why) {
-    keep_reports();
-    int socket_fd = -1;
-    int result = open_session(NEWEST_VERSION, socket_fd, settings, target, with.elements(), context);
-    if (result > 0 && !settings.list_mode) {
-        take_reports();
-        result = open_session(result, socket_fd, settings, target, with.elements(), context);
-    } else if (result > 0) {
-        write_report(describe_listless(take_reports()));
-    }
-    with.password.wipe();
-    wipe_password_variable();
-    wipe_dead_stack();
-    if (result != 0) {
-        why = {1, "router " + options.host + ": " + take_reports()};
-        return -1;
-    }
-    return socket_fd;
+    return tells_of_a_close(reports)
+               ? "it closed the connection (perhaps it cannot list its interfaces; type the index of one)"
+               : "it cannot list its interfaces; type the index of one";
 }
 
 }  // namespace
 
-int open_trace(const plugin_options& options, display_context& context, failure& why) {
-    access with;
-    if (!prepare(options, false, with, why)) {
-        return -1;
-    }
-    trace_target target;
-    split_interface_index(target, options.interface_index.value_or(0));
-    target.capture_length = options.capture_length > 0 ? options.capture_length : -1;
-    const session_settings settings{
-        .host = options.host.c_str(), .port = options.port, .password = with.password.text()};
-    return open_with(options, with, settings, target, context, why);
-}
-
-bool list_interfaces(const plugin_options& options, std::vector<listed_interface>& listed, failure& why) {
-    access with;
-    if (!prepare(options, true, with, why)) {
+bool router_access::prepare(failure& why) {
+    keep_reports();
+    why.status = STATUS_MISTAKE;
+    if (options_.host.empty()) {
+        why.text = "--host is missing: which router?";
         return false;
     }
-    const session_settings settings{.host = options.host.c_str(),
-                                    .port = options.port,
-                                    .password = with.password.text(),
-                                    .list_mode = true,
-                                    .listed = &listed};
+    const bool captures = options_.what == call::CAPTURE;
+    return (!captures || add_capture_filter(options_.filter, filters_, why.text)) &&
+           find_password(options_.credentials, options_.host, password_, why.text);
+}
+
+opened_session router_access::list(std::vector<listed_interface>& listed) {
+    listed.clear();
+    const opened_session session = open(0, {}, &listed);
+    if (session.socket_fd >= 0) {
+        close(session.socket_fd);
+    }
+    wipe_dead_stack();
+    return session;
+}
+
+opened_session router_access::trace(std::int32_t index) { return open(index, filters_, nullptr); }
+
+void router_access::forget_password() {
+    password_.wipe();
+    wipe_password_variable();
+    wipe_dead_stack();
+}
+
+/// Sets the session up, once more when the first attempt names the version to use.
+opened_session router_access::open(std::int32_t index, addinfo_buffer addinfo, std::vector<listed_interface>* listed) {
+    const bool list_mode = listed != nullptr;
+    trace_target target;
+    split_interface_index(target, index);
+    target.capture_length = options_.capture_length > 0 ? options_.capture_length : -1;
+    addinfo.used = build_addinfo(NEWEST_VERSION, addinfo.data, options_.atm, list_mode, addinfo.used);
+    const auto elements = std::span<const std::uint8_t>(addinfo.data).first(static_cast<std::size_t>(addinfo.used));
+    const session_settings settings{.host = options_.host.c_str(),
+                                    .port = options_.port,
+                                    .password = password_.text(),
+                                    .list_mode = list_mode,
+                                    .listed = listed};
     display_context context;
     init_display_context(context);
-    const int socket_fd = open_with(options, with, settings, {}, context, why);
-    if (socket_fd >= 0) {
-        close(socket_fd);
+    opened_session session;
+    int result = NEWEST_VERSION;
+    for (int attempt = 0; attempt < (list_mode ? 1 : 2) && result > 0; ++attempt) {
+        take_reports();
+        const int connected = connect_trace(settings, 0);
+        if (connected < 0) {
+            session.reason = take_reports();
+            return session;
+        }
+        result = set_up_session(connected, result, session.socket_fd, settings, target, elements, context);
     }
-    return socket_fd >= 0;
+    session.reason = take_reports();
+    session.channel_type = static_cast<std::int16_t>(context.channel_type);
+    session.result = result == 0                        ? set_up::OPEN
+                     : tells_of_a_close(session.reason) ? set_up::UNREACHABLE
+                                                        : set_up::REFUSED;
+    if (list_mode && result > 0) {
+        session.reason = describe_listless(session.reason);
+    }
+    return session;
 }
 
 std::string take_reports() {

@@ -5,7 +5,6 @@
 #include "capture/link_types.h"
 #include "extcap/bchannel_kinds.h"
 #include "extcap/options.h"
-#include "trace/ifc_types.h"
 
 namespace ifwatch::extcap {
 
@@ -23,9 +22,10 @@ constexpr form_field FIELDS[] = {
     {"--host", "Router", "string", "{required=true}{tooltip=Name or IPv4 address of the router}"},
     {"--port", "TCP port", "integer", "{range=1,65535}{default=7000}{tooltip=Port of the router's trace daemon}"},
     {"--interface", "Interface", "selector",
-     "{reload=true}{placeholder=Ask the router}{tooltip=The interfaces that the router lists}"},
-    {"--index", "or its index", "integer",
-     "{range=0,2147483647}{tooltip=For a router without a list: 1000 * slot + 100 * unit + channel, such as 2100}"},
+     "{reload=true}{placeholder=Ask the router}{tooltip=What the router lists: interfaces, lines, slots, all of it}"},
+    {"--index", "or their indexes", "string",
+     "{tooltip=1000 * slot + 100 * unit + channel, such as 2100; also 2100,2102, 2100-2130, line:2100, slot:2 and "
+     "all}"},
     {"--bchannel", "B-channels carry", "selector",
      "{tooltip=The router does not tell what an ISDN B-channel is used for}"},
     {"--credentials", "Credentials file", "fileselect",
@@ -36,6 +36,8 @@ constexpr form_field FIELDS[] = {
     {"--vci", "ATM VCI", "integer", "{range=0,65535}{tooltip=Only this virtual channel of an ATM line}"},
     {"--router-time", "Keep the router's time stamps", "boolflag",
      "{default=false}{tooltip=Milliseconds since the router started, instead of the time of day}"},
+    {"--reconnect", "Try again when the router is gone", "boolflag",
+     "{default=false}{tooltip=After 1, 2, 4 and up to 60 seconds, until the capture is stopped}"},
 };
 constexpr int INTERFACE_FIELD = 2;
 constexpr int BCHANNEL_FIELD = 4;
@@ -98,9 +100,8 @@ std::string option_sentences() {
 
 std::string interface_value_sentences(std::span<const listed_interface> listed) {
     std::string sentences;
-    for (const listed_interface& one : listed) {
-        const std::string index = std::to_string(one.index);
-        sentences += value_sentence(INTERFACE_FIELD, index, index + " " + ifc_type_entry(one.type).name, false);
+    for (const offered_choice& offered : offer_choices(listed)) {
+        sentences += value_sentence(INTERFACE_FIELD, offered.value, offered.title, false);
     }
     return sentences;
 }

@@ -1,6 +1,5 @@
 #include "extcap/stop.h"
 
-#include <sys/socket.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -16,19 +15,17 @@ constexpr unsigned PATIENCE = 2;  // seconds
 
 // All that a handler can reach.
 // NOLINTBEGIN(*-avoid-non-const-global-variables)
-std::atomic<int> stream_socket = -1;
-std::atomic<bool> stopping = false;
+std::atomic<int> told_end = -1;
 // NOLINTEND(*-avoid-non-const-global-variables)
-static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
+static_assert(std::atomic<int>::is_always_lock_free);
 
 extern "C" void on_stop_signal(int /*signal*/) {
     const int saved = errno;
-    const int socket_fd = stream_socket;
-    if (socket_fd < 0) {
+    const int told = told_end;
+    if (told < 0) {
         _exit(0);
     }
-    stopping = true;
-    shutdown(socket_fd, SHUT_RDWR);
+    [[maybe_unused]] const auto written = write(told, "", 1);
     alarm(PATIENCE);
     errno = saved;
 }
@@ -51,8 +48,13 @@ void end_on_signals() {
     install(SIGPIPE, SIG_IGN);
 }
 
-void end_stream_on_signals(int socket_fd) { stream_socket = socket_fd; }
-
-bool stop_asked() { return stopping; }
+int tell_signals() {
+    int ends[2] = {-1, -1};
+    if (pipe(ends) != 0) {
+        return -1;
+    }
+    told_end = ends[1];
+    return ends[0];
+}
 
 }  // namespace ifwatch::extcap

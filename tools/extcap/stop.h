@@ -6,11 +6,8 @@ namespace ifwatch::extcap {
 /// A broken pipe is left to the failing write.
 void end_on_signals();
 
-/// From now on those signals end the stream of this socket instead, so that its reader meets the end. A write that
-/// does not come to its end within two seconds ends the process, with status 0 too.
-void end_stream_on_signals(int socket_fd);
-
-/// Whether such a signal has come.
-[[nodiscard]] bool stop_asked();
+/// From now on those signals make the descriptor that this returns readable instead. What is then still to be written
+/// has two seconds; behind them the process ends, with status 0 too. -1 (errno set) without a descriptor.
+int tell_signals();
 
 }  // namespace ifwatch::extcap

@@ -1,6 +1,6 @@
-# awk -v seed=NUMBER -f choose.awk: puts what places.awk prints into the order in which it is tried, which is the same on
-# every machine: one place of each file first, the files in a chance order, then all the others. Of what could stand at
-# a place one is chosen.
+# awk -v seed=NUMBER -f choose.awk: puts what places.awk prints into the order in which it is tried, the same on every
+# machine: one place of each file first, the files in a chance order, then all the others. Of what could stand at a
+# place one is chosen.
 
 function chance(below) {
     state = (state * 16807) % 2147483647

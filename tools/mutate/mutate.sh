@@ -76,7 +76,14 @@ made_the_same() {
     done
 }
 
-# Names the tests that notice the change of the file; nothing when none does. Fails when there is nothing to notice: it
+# Names the test that failed last, as ctest does; of others, such as a crash of the unit tests, what they are: $1.
+failed_test() {
+    found=$(sed -n -e 's/.*Test *#[0-9]*: \([^ ]*\) .*\*\*\*.*/\1/p' \
+        -e 's/^\[  FAILED  \] \([^ ]*\) (.*/unit\/\1/p' "$log" | tail -n 1)
+    echo "${found:-$1}"
+}
+
+# Names the test that notices the change of the file; nothing when none does. Fails when there is nothing to notice: it
 # does not compile, or makes no difference to what is compiled.
 tests_that_notice() {
     folder=${1#src/}
@@ -87,7 +94,7 @@ tests_that_notice() {
     while read -r name pattern target; do
         build_changed "$target" >"$log" 2>&1 || return 1
         run_tests "$name" "$pattern" >"$log" 2>&1 || {
-            echo "$name"
+            failed_test "$name"
             return 0
         }
     done <<END

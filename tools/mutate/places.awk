@@ -23,7 +23,8 @@ BEGIN {
 function place(column, old, new) { printf "%s\t%d\t%d\t%s\t%s\n", FILENAME, FNR, column, old, new }
 
 function hex_value(digits,    i, value) {
-    for (i = 1; i <= length(digits); i++) value = 16 * value + index("0123456789abcdef", tolower(substr(digits, i, 1))) - 1
+    for (i = 1; i <= length(digits); i++)
+        value = 16 * value + index("0123456789abcdef", tolower(substr(digits, i, 1))) - 1
     return value
 }
 
@@ -79,7 +80,8 @@ function piece(column, rest) {
     if (match(rest, /^[A-Za-z_][A-Za-z_0-9]*/)) {
         text = substr(rest, 1, RLENGTH)
         if (text == "static_assert") asserting = 1
-        if (text in word && !asserting && (text !~ /^m/ || substr($0, column - 5, 5) == "std::")) place(column, text, word[text])
+        if (text in word && !asserting && (text !~ /^m/ || substr($0, column - 5, 5) == "std::"))
+            place(column, text, word[text])
         return length(text)
     }
     if (substr(rest, 1, 1) == ";") asserting = 0

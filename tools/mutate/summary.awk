@@ -11,7 +11,8 @@ BEGIN { FS = "\t" }
     if ($5 == "none") survivors[++survived] = $1 ":" $2 ": " $3 " -> " ($4 == "" ? "nothing" : $4)
     else {
         noticed[folder]++
-        by[$5]++
+        split($5, test, "/")
+        by[test[1]]++
     }
 }
 

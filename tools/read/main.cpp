@@ -10,6 +10,7 @@
 #include "base/program_name.h"
 #include "base/verbose.h"
 #include "client/confinement.h"
+#include "client/signals.h"
 #include "read/capture_report.h"
 #include "read/interrupt.h"
 #include "read/open_captures.h"
@@ -115,6 +116,7 @@ int run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     set_program_name("ifwatch-read");
+    survive_file_size_limit();
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {

@@ -13,7 +13,7 @@ namespace ifwatch::read {
 
 namespace {
 
-using sim::quoted;
+using sim::in_quotes;
 
 // Of ifwatch, but not of this program.
 constexpr char FOREIGN_LETTERS[] = "V:zn:r:H:P:I:B:o";
@@ -116,7 +116,7 @@ bool set_color(const std::string& text, read_options& options) {
 }
 
 std::string wrong_argument(const char* name, const char* takes, const std::string& argument) {
-    return std::string("--") + name + " takes " + takes + ", not " + quoted(sim::on_one_line(argument));
+    return std::string("--") + name + " takes " + takes + ", not " + in_quotes(sim::on_one_line(argument));
 }
 
 /// Takes one option. The problem with it, if there is one.
@@ -153,7 +153,7 @@ std::string describe_mistake(bool argument_missing, const char* word) {
     if (optopt >= OPTION_TYPE) {
         return name.substr(0, name.find('=')) + " takes no argument";
     }
-    return "unknown option " + quoted(sim::on_one_line(name));
+    return "unknown option " + in_quotes(sim::on_one_line(name));
 }
 
 }  // namespace

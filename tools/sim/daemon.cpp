@@ -17,6 +17,7 @@
 #include "sim/peer.h"
 #include "sim/session.h"
 #include "sim/text_parts.h"
+#include "sim/trace_room.h"
 
 namespace ifwatch::sim {
 
@@ -76,6 +77,7 @@ private:
     std::list<running_session> sessions_;
     std::uint64_t started_ = 0;
     std::atomic<std::uint64_t> traced_ = 0;
+    trace_room room_{setup_, cases_};
 };
 
 void client_server::run(int listener, int stop) {
@@ -107,8 +109,8 @@ void client_server::start(int socket) {
 }
 
 void client_server::serve(running_session& session, std::uint64_t number) {
-    const peer client(session.socket, wake_[0], setup_.trouble.kind == fault_kind::DRIP);
-    const session_report report = serve_session(client, setup_, cases_);
+    const peer client(session.socket, wake_[0], fault_of(setup_.faults, {}).kind == fault_kind::DRIP);
+    const session_report report = serve_session(client, setup_, cases_, room_);
     if (setup_.verbose) {
         log_session(number, report);
     }

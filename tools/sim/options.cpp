@@ -94,14 +94,13 @@ bool set_pace(const std::string& text, daemon_setup& setup) {
 bool set_rate(const std::string& text, daemon_setup& setup) { return parse_positive(text, setup.rate); }
 bool set_loop(const std::string& text, daemon_setup& setup) { return parse_count(text, 0, setup.loops); }
 bool set_sessions(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.sessions); }
+bool set_limit(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.limit); }
+bool set_together(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.together); }
 bool set_once(const std::string& /*text*/, daemon_setup& setup) {
     setup.sessions = 1;
     return true;
 }
-bool set_fault(const std::string& text, daemon_setup& setup) {
-    const bool first = setup.trouble.kind == fault_kind::NONE;
-    return parse_fault(text, setup.trouble) && first;
-}
+bool set_fault(const std::string& text, daemon_setup& setup) { return add_fault(text, setup.faults); }
 bool set_verbose(const std::string& /*text*/, daemon_setup& setup) {
     setup.verbose = true;
     return true;
@@ -121,31 +120,14 @@ constexpr known_option<daemon_setup> OPTIONS[] = {
     {"loop", 0, set_loop, "a number of rounds, 0 for no end"},
     {"sessions", 0, set_sessions, "a number of sessions"},
     {"once", 0, set_once, nullptr},
+    {"limit", 0, set_limit, "a number of traces"},
+    {"together", 0, set_together, "a number of traces"},
     {"fault", 0, set_fault,
-     "one of cut=N, drip, silence=N, length=record:N:LENGTH and length=element:TYPE:LENGTH, once"},
+     "one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, length=record:N:LENGTH and "
+     "length=element:TYPE:LENGTH, once for an interface"},
     {"verbose", 'v', set_verbose, nullptr},
     {"help", 'h', nullptr, nullptr},
 };
-bool parse_length_fault(std::string_view text, fault& trouble) {
-    const std::size_t first = text.find(':');
-    const std::size_t second = text.find(':', first + 1);
-    if (first == std::string_view::npos || second == std::string_view::npos) {
-        return false;
-    }
-    const std::string_view what = text.substr(0, first);
-    const bool of_record = what == "record";
-    const auto which =
-        parse_number(text.substr(first + 1, second - first - 1), of_record ? 1 : 0, of_record ? MAX_COUNT : 0xFF);
-    const auto length = parse_number(text.substr(second + 1), 0, of_record ? 0xFFFF : 0xFFFFFF);
-    if ((!of_record && what != "element") || !which || !length) {
-        return false;
-    }
-    trouble.kind = of_record ? fault_kind::RECORD_LENGTH : fault_kind::ELEMENT_LENGTH;
-    trouble.record = of_record ? static_cast<std::uint64_t>(*which) : 0;
-    trouble.element = of_record ? 0 : static_cast<int>(*which);
-    trouble.length = static_cast<std::uint32_t>(*length);
-    return true;
-}
 
 constexpr char HELP[] =
     R"(ifwatch-sim: plays the trace daemon of a router from case files.
@@ -188,6 +170,8 @@ Pace (full speed unless told otherwise):
   --pace real         send records at the speed of their time stamps
   --pace FACTOR       that many times as fast
   --rate N            send N records a second
+  --together N        send nothing before N traces have begun; their records are then on one clock, which stands where
+                      the earliest record of all cases is
   --loop N            send the records N times, 0 for no end; time stamps and sequence numbers go on
 
 Other daemons:
@@ -198,10 +182,17 @@ Other daemons:
   --close-after STEP  close behind a step of the session: connect, request, version, challenge, login, addinfo,
                       chantype or reply
 
-Faults, one at a time:
+  --limit N           trace N interfaces at a time; more are refused
+
+Faults, one for all interfaces, and one for any with @INDEX behind it, as in cut=3@2101:
+  --fault mute        take the trace request, then say nothing, and keep the connection
+  --fault refuse      list the interface, but refuse to trace it
   --fault cut=N       cut the connection in the middle of record N
-  --fault drip        send every octet on its own
+  --fault stall=N     send half of record N, then nothing, and keep the connection
+  --fault drip        send every octet on its own; for all interfaces only
   --fault silence=N   send N records, then nothing, and keep the connection
+  --fault swap=N      records N and N + 1 have each other's time
+  --fault restart=N   from record N on, time and sequence number are those of a router that has just started
   --fault length=record:N:LENGTH      record N tells LENGTH as its length
   --fault length=element:TYPE:LENGTH  elements of TYPE tell LENGTH as their length
 
@@ -210,22 +201,6 @@ in a case file, or when the port cannot be opened.
 )";
 
 }  // namespace
-
-bool parse_fault(const std::string& text, fault& trouble) {
-    trouble = {};
-    const std::size_t equals = text.find('=');
-    const std::string word = text.substr(0, equals);
-    const std::string rest = equals == std::string::npos ? std::string() : text.substr(equals + 1);
-    if (word == "drip") {
-        trouble.kind = fault_kind::DRIP;
-        return equals == std::string::npos;
-    }
-    if (word == "length") {
-        return parse_length_fault(rest, trouble);
-    }
-    trouble.kind = word == "cut" ? fault_kind::CUT : fault_kind::SILENCE;
-    return (word == "cut" || word == "silence") && parse_count(rest, word == "cut" ? 1 : 0, trouble.record);
-}
 
 bool parse_options(int argc, char** argv, sim_options& options, std::string& error) {
     const std::span<const known_option<daemon_setup>> table(OPTIONS);

@@ -17,9 +17,6 @@ struct sim_options {
 /// Parses the command line. False with a one-line `error` when it cannot be followed.
 bool parse_options(int argc, char** argv, sim_options& options, std::string& error);
 
-/// Parses the text behind --fault. False when there is no such fault.
-bool parse_fault(const std::string& text, fault& trouble);
-
 /// The text of --help.
 [[nodiscard]] const char* help_text();
 

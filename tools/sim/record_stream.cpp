@@ -28,18 +28,28 @@ bool selects_atm(const record_selection& selection, const case_record& record) {
     return selection.vpi.value_or(vpi) == vpi && selection.vci.value_or(vci) == vci;
 }
 
+std::uint32_t first_time(const trace_case& source) {
+    return source.records.empty() ? 0 : source.records.front().timestamp_ms;
+}
+
 /// The stream of records to one client: collected at full speed, sent when the batch is full or something is waited
 /// for.
 class record_sender {
 public:
-    record_sender(const peer& client, const daemon_setup& setup, const record_selection& selection)
-        : client_(client), setup_(setup), selection_(selection) {}
+    record_sender(const peer& client, const daemon_setup& setup, const fault& trouble,
+                  const record_selection& selection)
+        : client_(client),
+          setup_(setup),
+          trouble_(trouble),
+          selection_(selection),
+          start_(selection.start.value_or(clock_setting{clock::now(), first_time(selection.source)})) {}
 
     std::uint64_t run();
 
 private:
     bool send_round(std::uint64_t round, const loop_step& step);
-    bool send_record(const case_record& record);
+    bool send_record(case_record& record, std::uint32_t due_ms);
+    void falsify(case_record& record, std::size_t place);
     bool apply_fault();
     bool wait_for_turn(std::uint32_t time_ms);
     [[nodiscard]] clock::time_point due(std::uint32_t time_ms) const;
@@ -47,12 +57,15 @@ private:
 
     const peer& client_;
     const daemon_setup& setup_;
+    const fault& trouble_;
     const record_selection& selection_;
     std::vector<std::uint8_t> batch_;
     std::size_t record_start_ = 0;  // of the newest record in the batch
-    clock::time_point start_ = clock::now();
+    clock_setting start_;
     std::uint64_t number_ = 0;  // of the newest record
     std::uint64_t sent_ = 0;
+    std::uint32_t start_ms_ = 0;  // of the router's clock when it began anew, and the number of the record before
+    std::uint32_t start_sequence_ = 0;
 };
 
 std::uint64_t record_sender::run() {
@@ -62,33 +75,56 @@ std::uint64_t record_sender::run() {
         const std::uint64_t before = number_;
         going = send_round(round, step) && number_ != before;
     }
-    if (flush() && setup_.trouble.kind == fault_kind::SILENCE) {
+    if (flush() && (trouble_.kind == fault_kind::SILENCE || trouble_.kind == fault_kind::STALL)) {
         client_.wait_for_end();
     }
     return sent_;
 }
 
 bool record_sender::send_round(std::uint64_t round, const loop_step& step) {
-    for (const case_record& original : selection_.source.records) {
-        if (!selects(selection_, original)) {
+    const std::vector<case_record>& records = selection_.source.records;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (!selects(selection_, records[i])) {
             continue;
         }
-        case_record record = original;
-        record.timestamp_ms += static_cast<std::uint32_t>(round) * step.time_ms;
+        case_record record = records[i];
+        const std::uint32_t elapsed = static_cast<std::uint32_t>(round) * step.time_ms;
+        const std::uint32_t due_ms = record.timestamp_ms + elapsed;
+        falsify(record, i);
+        record.timestamp_ms += elapsed;
         record.sequence += static_cast<std::uint32_t>(round) * step.sequence;
-        if (!send_record(record)) {
+        if (!send_record(record, due_ms)) {
             return false;
         }
     }
     return true;
 }
 
-bool record_sender::send_record(const case_record& record) {
-    const bool silent = setup_.trouble.kind == fault_kind::SILENCE && setup_.trouble.record == sent_;
-    if (silent || !wait_for_turn(record.timestamp_ms)) {
+/// Gives the record at this place of the case, the next to be sent, the time of its neighbour.
+void record_sender::falsify(case_record& record, std::size_t place) {
+    const std::vector<case_record>& records = selection_.source.records;
+    if (trouble_.kind != fault_kind::SWAP) {
+        return;
+    }
+    if (number_ + 1 == trouble_.record && place + 1 < records.size()) {
+        record.timestamp_ms = records[place + 1].timestamp_ms;
+    } else if (number_ == trouble_.record && place > 0) {
+        record.timestamp_ms = records[place - 1].timestamp_ms;
+    }
+}
+
+bool record_sender::send_record(case_record& record, std::uint32_t due_ms) {
+    const bool silent = trouble_.kind == fault_kind::SILENCE && trouble_.record == sent_;
+    if (silent || !wait_for_turn(due_ms)) {
         return false;
     }
     ++number_;
+    if (trouble_.kind == fault_kind::RESTART && trouble_.record == number_) {
+        start_ms_ = record.timestamp_ms;
+        start_sequence_ = record.sequence - 1;
+    }
+    record.timestamp_ms -= start_ms_;
+    record.sequence -= start_sequence_;
     record_start_ = batch_.size();
     append_record(batch_, record, selection_.capture_length);
     if (!apply_fault()) {
@@ -100,18 +136,18 @@ bool record_sender::send_record(const case_record& record) {
 
 /// False when the fault ends the stream.
 bool record_sender::apply_fault() {
-    const fault& trouble = setup_.trouble;
-    if (trouble.record != number_) {
+    if (trouble_.record != number_) {
         return true;
     }
-    if (trouble.kind == fault_kind::RECORD_LENGTH) {
-        store_be16(&batch_[record_start_], static_cast<std::uint16_t>(trouble.length));
+    if (trouble_.kind == fault_kind::RECORD_LENGTH) {
+        store_be16(&batch_[record_start_], static_cast<std::uint16_t>(trouble_.length));
         return true;
     }
-    if (trouble.kind == fault_kind::CUT) {
+    const bool ends = trouble_.kind == fault_kind::CUT || trouble_.kind == fault_kind::STALL;
+    if (ends) {
         batch_.resize(record_start_ + (batch_.size() - record_start_) / 2);
     }
-    return trouble.kind != fault_kind::CUT;
+    return !ends;
 }
 
 bool record_sender::wait_for_turn(std::uint32_t time_ms) {
@@ -124,10 +160,10 @@ bool record_sender::wait_for_turn(std::uint32_t time_ms) {
 
 clock::time_point record_sender::due(std::uint32_t time_ms) const {
     using seconds = std::chrono::duration<double>;
-    const auto since_first = static_cast<std::int32_t>(time_ms - selection_.source.records.front().timestamp_ms);
+    const auto since_first = static_cast<std::int32_t>(time_ms - start_.time_ms);
     const double after =
         setup_.rate > 0 ? static_cast<double>(number_) / setup_.rate : since_first / 1000.0 / setup_.pace;
-    return start_ + std::chrono::duration_cast<clock::duration>(seconds(after));
+    return start_.when + std::chrono::duration_cast<clock::duration>(seconds(after));
 }
 
 bool record_sender::flush() {
@@ -147,8 +183,9 @@ bool selects(const record_selection& selection, const case_record& record) {
     return !fields || passes(selection.filter, *fields);
 }
 
-std::uint64_t send_records(const peer& client, const daemon_setup& setup, const record_selection& selection) {
-    return record_sender(client, setup, selection).run();
+std::uint64_t send_records(const peer& client, const daemon_setup& setup, const fault& trouble,
+                           const record_selection& selection) {
+    return record_sender(client, setup, trouble, selection).run();
 }
 
 }  // namespace ifwatch::sim

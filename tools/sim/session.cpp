@@ -38,8 +38,8 @@ std::int64_t interface_of(const trace_request& request) {
 
 class session {
 public:
-    session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases)
-        : client_(client), setup_(setup), cases_(cases) {}
+    session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases, trace_room& room)
+        : client_(client), setup_(setup), cases_(cases), room_(room) {}
 
     session_report run() {
         serve();
@@ -62,16 +62,18 @@ private:
     bool send_element(std::uint8_t type, std::span<const std::uint8_t> data = {});
     bool send_channel_type();
     void send_list();
-    void stream(const record_selection& selection);
+    void stream(record_selection selection);
 
     void end(std::string result) { report_.result = std::move(result); }
     void send_error(std::string text);
     [[nodiscard]] const trace_case* find_case() const;
     bool closes_after(session_step step);
+    [[nodiscard]] const fault& trouble() const { return fault_of(setup_.faults, interface_of(request_)); }
 
     const peer& client_;
     const daemon_setup& setup_;
     const std::vector<trace_case>& cases_;
+    trace_room& room_;
     trace_request request_;
     client_wishes wishes_;
     session_report report_;
@@ -80,6 +82,10 @@ private:
 void session::serve() {
     if (closes_after(session_step::CONNECT) || !read_request() || closes_after(session_step::REQUEST)) {
         return;
+    }
+    if (trouble().kind == fault_kind::MUTE) {
+        client_.wait_for_end();
+        return end("nothing said");
     }
     const int asked = known_version(request_.version);
     const bool other_version = setup_.version != 0 && setup_.version != asked;
@@ -153,6 +159,13 @@ void session::serve_version_3() {
     const trace_case* const found = find_case();
     if (found == nullptr) {
         return send_error("no interface " + std::to_string(interface_of(request_)));
+    }
+    if (trouble().kind == fault_kind::REFUSE) {
+        return send_error("interface " + std::to_string(interface_of(request_)) + " is not to be traced");
+    }
+    const trace_place place(room_);
+    if (!place.taken()) {
+        return send_error("no more than " + std::to_string(setup_.limit) + " traces at a time");
     }
     record_selection selection{*found, {}, {}, {}, 0};
     if (!prepare(selection) || !send_channel_type() || closes_after(session_step::CHANTYPE)) {
@@ -234,7 +247,7 @@ bool session::prepare(record_selection& selection) {
 }
 
 bool session::send_element(std::uint8_t type, std::span<const std::uint8_t> data) {
-    const fault& trouble = setup_.trouble;
+    const fault& trouble = this->trouble();
     const bool wrong = trouble.kind == fault_kind::ELEMENT_LENGTH && trouble.element == type;
     const auto length = wrong ? trouble.length : static_cast<std::uint32_t>(data.size());
     std::vector<std::uint8_t> element(4);
@@ -265,9 +278,15 @@ void session::send_list() {
     end("interfaces listed");
 }
 
-void session::stream(const record_selection& selection) {
+void session::stream(record_selection selection) {
     report_.traced = true;
-    report_.records = send_records(client_, setup_, selection);
+    if (!room_.begin(client_)) {
+        return end("trace of interface " + std::to_string(interface_of(request_)) + " not begun");
+    }
+    if (setup_.together != 0) {
+        selection.start = {room_.start(), room_.origin_ms()};
+    }
+    report_.records = send_records(client_, setup_, trouble(), selection);
     end("trace of interface " + std::to_string(interface_of(request_)) + " ended");
 }
 
@@ -294,8 +313,9 @@ bool session::closes_after(session_step step) {
 
 }  // namespace
 
-session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases) {
-    return session(client, setup, cases).run();
+session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases,
+                             trace_room& room) {
+    return session(client, setup, cases, room).run();
 }
 
 }  // namespace ifwatch::sim

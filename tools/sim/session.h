@@ -7,6 +7,7 @@
 #include "sim/case_file.h"
 #include "sim/peer.h"
 #include "sim/setup.h"
+#include "sim/trace_room.h"
 
 namespace ifwatch::sim {
 
@@ -20,6 +21,7 @@ struct session_report {
 
 /// Serves one client of the trace protocol, from the trace request to the last record. The cases are sorted by
 /// interface index and all have one. The socket is left open, our direction closed.
-session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases);
+session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases,
+                             trace_room& room);
 
 }  // namespace ifwatch::sim

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "sim/faults.h"
+
 namespace ifwatch::sim {
 
 /// The steps of a session in the order of version 3; --close-after ends the connection behind one of them.
@@ -10,15 +12,6 @@ enum class session_step { NONE, CONNECT, REQUEST, VERSION, CHALLENGE, LOGIN, ADD
 
 /// What a daemon of one version does with a client that asks for another.
 enum class refusal { REPLY, CLOSE, SERVE };
-
-enum class fault_kind { NONE, CUT, DRIP, RECORD_LENGTH, ELEMENT_LENGTH, SILENCE };
-
-struct fault {
-    fault_kind kind = fault_kind::NONE;
-    std::uint64_t record = 0;  // counted from 1 as records are sent; of silence: the last that is sent
-    int element = 0;           // element type
-    std::uint32_t length = 0;  // what the wrong header tells
-};
 
 /// How the daemon behaves towards its clients.
 struct daemon_setup {
@@ -34,7 +27,9 @@ struct daemon_setup {
     double rate = 0;             // records a second; 0: no limit
     std::uint64_t loops = 1;     // times the records are sent; 0: for ever
     std::uint64_t sessions = 0;  // trace sessions to serve; 0: any number
-    fault trouble;
+    std::uint64_t limit = 0;     // traces at a time; 0: any number
+    std::uint64_t together = 0;  // traces that wait for each other before the first record
+    fault_list faults;
     bool verbose = false;
 };
 

@@ -3,7 +3,7 @@
 namespace ifwatch::sim {
 
 std::string on_one_line(std::string_view text) {
-    constexpr std::string_view hex_digits = "0123456789ABCDEF";
+    constexpr std::string_view hex_digits = "0123456789abcdef";
     std::string line;
     for (const char character : text) {
         const auto octet = static_cast<unsigned char>(character);

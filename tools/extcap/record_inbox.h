@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "trace/record_stream.h"
+
+namespace ifwatch::extcap {
+
+/// A whole record that waits for its turn.
+struct waiting_record {
+    std::uint64_t order = 0;     // as router_clock gives it
+    std::uint32_t position = 0;  // in the stream, modulo 2^32
+    std::uint32_t lost = 0;      // records between the one before and this
+    std::uint8_t slot = 0;       // of time_order
+    bool noted = false;          // there is something to tell of it
+};
+
+/// What one session has sent and is not written yet, in one buffer that never grows: octets as they arrive, and where
+/// in them whole records wait. So half a record holds up nobody else.
+class record_inbox {
+public:
+    static constexpr std::size_t CAPACITY = std::size_t{32} << 10;
+    static constexpr std::size_t MAX_WAITING = 1024;
+
+    /// What lies behind the records that were taken.
+    enum class found : std::uint8_t {
+        RECORD,
+        PART,    // of one, or nothing
+        BROKEN,  // a record shorter than its header or longer than can be held; a message has told
+    };
+
+    /// Makes an empty one. Needed before anything else.
+    void open();
+
+    /// Whether a record of any length can be read on to its end.
+    [[nodiscard]] bool has_room() const { return has_room(LONGEST_RECORD); }
+    /// Whether so much can be read that the next time is some way off.
+    [[nodiscard]] bool has_ample_room() const { return has_room(CAPACITY / 2); }
+    /// Where the next octets go. Records that wait may move; what first() has given is no longer there.
+    [[nodiscard]] std::span<std::uint8_t> room();
+    void filled(std::size_t count) { end_ += count; }
+
+    /// Takes the next record.
+    found next(std::span<std::uint8_t>& record);
+    /// Tells why no more can come: `got` is what the read returned, 0 or -1. Returns END, or BROKEN also inside the
+    /// header of a record.
+    [[nodiscard]] record_read tell_end(int got) const;
+
+    /// Lets the record that was just taken wait, behind those of its own time. True when it is now the first.
+    bool keep(waiting_record record);
+    [[nodiscard]] bool empty() const { return first_ == waiting_.size(); }
+    [[nodiscard]] std::size_t waiting() const { return waiting_.size() - first_; }
+    [[nodiscard]] const waiting_record& first() const { return waiting_[first_]; }
+    [[nodiscard]] std::span<std::uint8_t> first_octets() const;
+    void drop_first();
+
+    static constexpr std::size_t NOWHERE = SIZE_MAX;
+    std::size_t place = NOWHERE;  // among those of a time_order
+    std::size_t owner = 0;        // whose it is
+
+private:
+    static constexpr std::size_t LONGEST_RECORD = RECORD_HEADER_LENGTH + RECORD_DATA_MAXIMUM;
+
+    [[nodiscard]] bool has_room(std::size_t enough) const;
+    [[nodiscard]] std::size_t begin_of_used() const;
+    [[nodiscard]] std::size_t offset_of(const waiting_record& record) const { return record.position - base_; }
+
+    std::unique_ptr<std::uint8_t[]> octets_;
+    std::uint32_t base_ = 0;  // the position of the first octet
+    std::size_t begin_ = 0;   // of what was not taken
+    std::size_t end_ = 0;
+    std::size_t last_ = 0;  // where the record that was taken last begins
+    std::vector<waiting_record> waiting_;
+    std::size_t first_ = 0;
+    bool as_stored_ = true;  // those that wait stand in the order of their octets
+};
+
+}  // namespace ifwatch::extcap

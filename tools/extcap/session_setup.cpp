@@ -1,0 +1,160 @@
+#include "extcap/session_setup.h"
+
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+namespace ifwatch::extcap {
+
+namespace {
+
+constexpr std::size_t LONGEST_REASON = 1024;
+
+/// What the process sends, with the socket beside it.
+struct outcome_message {
+    set_up result = set_up::UNREACHABLE;
+    std::int16_t channel_type = 0;
+    std::uint16_t reason_length = 0;
+    std::array<char, LONGEST_REASON> reason{};
+};
+
+/// Room for one descriptor beside a message.
+struct descriptor_room {
+    alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(int))> octets{};
+};
+
+msghdr message_of(iovec& body, descriptor_room& room) {
+    msghdr message{};
+    message.msg_iov = &body;
+    message.msg_iovlen = 1;
+    message.msg_control = room.octets.data();
+    message.msg_controllen = room.octets.size();
+    return message;
+}
+
+void send_outcome(int fd, const opened_session& session) {
+    outcome_message outcome{.result = session.result, .channel_type = session.channel_type};
+    outcome.reason_length = static_cast<std::uint16_t>(std::min(session.reason.size(), LONGEST_REASON));
+    std::copy_n(session.reason.begin(), outcome.reason_length, outcome.reason.begin());
+    iovec body{&outcome, sizeof outcome};
+    descriptor_room room;
+    msghdr message = message_of(body, room);
+    if (session.socket_fd >= 0) {
+        cmsghdr* const beside = CMSG_FIRSTHDR(&message);
+        beside->cmsg_level = SOL_SOCKET;
+        beside->cmsg_type = SCM_RIGHTS;
+        beside->cmsg_len = CMSG_LEN(sizeof(int));
+        std::memcpy(CMSG_DATA(beside), &session.socket_fd, sizeof(int));
+    } else {
+        message.msg_control = nullptr;
+        message.msg_controllen = 0;
+    }
+    while (sendmsg(fd, &message, MSG_NOSIGNAL) < 0 && errno == EINTR) {
+    }
+}
+
+/// False when the process has ended without a word.
+bool receive_outcome(int fd, opened_session& session) {
+    outcome_message outcome;
+    iovec body{&outcome, sizeof outcome};
+    descriptor_room room;
+    msghdr message = message_of(body, room);
+    ssize_t got = 0;
+    while ((got = recvmsg(fd, &message, MSG_CMSG_CLOEXEC)) < 0 && errno == EINTR) {
+    }
+    if (got != static_cast<ssize_t>(sizeof outcome)) {
+        return false;
+    }
+    if (const cmsghdr* const beside = CMSG_FIRSTHDR(&message);
+        beside != nullptr && beside->cmsg_level == SOL_SOCKET && beside->cmsg_type == SCM_RIGHTS) {
+        std::memcpy(&session.socket_fd, CMSG_DATA(beside), sizeof(int));
+    }
+    session.result = outcome.result;
+    session.channel_type = outcome.channel_type;
+    session.reason.assign(outcome.reason.data(), outcome.reason_length);
+    return true;
+}
+
+/// Descriptors of the process that this one came from: the pipe to the analyser and the sessions' sockets are to end
+/// with that one.
+void close_inherited(int kept) {
+    constexpr long highest = 4096;
+    const long end = std::min(sysconf(_SC_OPEN_MAX), highest);
+    for (int fd = STDERR_FILENO + 1; fd < end; ++fd) {
+        if (fd != kept) {
+            close(fd);
+        }
+    }
+}
+
+/// The life of the process.
+[[noreturn]] void set_up_and_end(int fd, router_access& access, std::int32_t index, unsigned patience) {
+    for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
+        std::signal(number, SIG_IGN);  // whoever started it ends it
+    }
+    std::signal(SIGALRM, SIG_DFL);
+    alarm(patience);
+    close_inherited(fd);
+    send_outcome(fd, access.trace(index));
+    _exit(0);
+}
+
+}  // namespace
+
+bool session_setup::start(router_access& access, std::int32_t index, unsigned patience) {
+    give_up();
+    int ends[2] = {-1, -1};
+    if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends) != 0) {
+        return false;
+    }
+    patience_ = patience;
+    process_ = fork();
+    if (process_ == 0) {
+        set_up_and_end(ends[1], access, index, patience);
+    }
+    const int error = errno;
+    close(ends[1]);
+    fd_ = ends[0];
+    if (process_ < 0) {
+        give_up();
+        errno = error;
+        return false;
+    }
+    return true;
+}
+
+opened_session session_setup::take() {
+    opened_session session;
+    if (!receive_outcome(fd_, session)) {
+        session.reason = "no answer within " + std::to_string(patience_) + " s";
+    }
+    end_process();
+    return session;
+}
+
+void session_setup::give_up() {
+    if (process_ > 0) {
+        kill(process_, SIGKILL);
+    }
+    end_process();
+}
+
+void session_setup::end_process() {
+    if (process_ > 0) {
+        while (waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
+        }
+    }
+    if (fd_ >= 0) {
+        close(fd_);
+    }
+    process_ = -1;
+    fd_ = -1;
+}
+
+}  // namespace ifwatch::extcap
