@@ -72,10 +72,11 @@ expect "$programs/ifwatch-sim -" "$(sh "$tests/support/usage_options.sh" "$progr
 expect 'ifwatch-sim --refuse=' "$(lines close reply serve)"
 expect 'ifwatch-sim --close-after c' "$(lines challenge chantype connect)"
 : >one.case
+: >trace3.pcapng
 expect 'ifwatch-sim --once one' one.case
 expect 'ifwatch-sim --port-file trace2' trace2.pcap
 expect 'ifwatch-sim im' import
-expect 'ifwatch-sim import trac' "$(lines 'trace one.pcap' trace2.pcap)"
+expect 'ifwatch-sim import trac' "$(lines 'trace one.pcap' trace2.pcap trace3.pcapng)"
 expect 'ifwatch-sim export on' one.case
 expect 'ifwatch-sim import --sent ' "$(lines all none)"
 for subcommand in import export; do

@@ -1,6 +1,7 @@
 // Reads captures damaged: every case as classic PCAP and as pcapng, cut at every length, and with each octet in turn
 // set to a few values. Built with the address and undefined-behaviour sanitizers; beside them, what is shown of a cut
-// capture has to be the beginning of what is shown of the whole. Usage: capture_replay CASE...
+// capture has to be the beginning of what is shown of the whole. Usage: capture_replay CASE|CAPTURE...
+// A capture of somebody else's is shown as it is, and one of at most 8 KiB damaged as well.
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -20,6 +21,7 @@
 #include "read/viewer.h"
 #include "sim/capture_export.h"
 #include "sim/case_file.h"
+#include "sim/input_file.h"
 #include "support/case_options.h"
 
 namespace {
@@ -62,7 +64,15 @@ class capture_replay {
 public:
     capture_replay(std::string name, const sim::trace_case& trace) : name_(std::move(name)) {
         options_.decoders.mode_flags = trace.options.empty() ? 0 : test::mode_flags_of(trace.options.front());
-        options_.channel_type = trace.channel_type;
+        if (!trace.path.empty()) {
+            options_.channel_type = trace.channel_type;
+        }
+    }
+
+    /// The capture as it is.
+    std::size_t whole(const octet_list& octets) {
+        show(octets);
+        return 1;
     }
 
     /// The capture in all its damaged forms; how many those were, 0 behind a message when one was shown wrongly.
@@ -133,7 +143,27 @@ octet_list pcapng_of(const sim::trace_case& trace) {
     return file;
 }
 
+/// A capture as it is; all decoders are on.
+bool replay_capture(const std::string& path, std::size_t& read) {
+    constexpr std::size_t LARGEST_DAMAGED = 8192;
+    std::string text;
+    if (!sim::read_input(path, text, text)) {
+        static_cast<void>(std::fprintf(stderr, "%s\n", text.c_str()));
+        return false;
+    }
+    sim::trace_case all;
+    all.options = {"-h -! -2 -3 -p -i -N -t"};
+    capture_replay replay(path, all);
+    const octet_list octets(text.begin(), text.end());
+    const std::size_t shown = octets.size() <= LARGEST_DAMAGED ? replay.damage(octets) : replay.whole(octets);
+    read += shown;
+    return shown != 0;
+}
+
 bool replay(const std::string& path, std::size_t& read) {
+    if (!path.ends_with(".case")) {
+        return replay_capture(path, read);
+    }
     sim::trace_case trace;
     std::string error;
     octet_list pcap;
