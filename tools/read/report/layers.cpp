@@ -15,6 +15,7 @@
 #include "lan/token_ring.h"
 #include "lan/wlan_oid.h"
 #include "ppp/ppp.h"
+#include "read/report/station.h"
 
 namespace ifwatch::reporting {
 
@@ -79,12 +80,10 @@ constexpr int UNNUMBERED = 3;
 
 bool take_ethernet(interface_report& to, const frame& what, int nesting);
 
-std::uint64_t station(octets address) { return static_cast<std::uint64_t>(address.be16(0)) << 32 | address.be32(2); }
-
 /// A PPPoE session is one of its two stations, and has a number there. Which of them sends is always known.
 ppp_end pppoe_end(octets ethernet) {
-    const std::uint64_t to = station(ethernet);
-    const std::uint64_t from = station(ethernet.skip(6));
+    const std::uint64_t to = station_at(ethernet);
+    const std::uint64_t from = station_at(ethernet.skip(6));
     const auto session = static_cast<std::uint64_t>(ethernet.be16(ETHERNET_HEADER + 2));
     return {session << ppp_end::SESSION_SHIFT | (to ^ from), from > to ? 1 : 0};
 }
