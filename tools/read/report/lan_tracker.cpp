@@ -42,6 +42,7 @@ constexpr std::size_t MOST_ROWS = 10;
 constexpr std::uint64_t MANY_TIMES = 3;
 // A question that is younger than this at the end may still be answered.
 constexpr std::uint32_t LONG_WAIT_MS = 3'000;
+constexpr std::uint32_t SHORT_TIME_MS = 2'000;
 
 void see(lan_tracker& tracker, place at) {
     if (!tracker.seen) {
@@ -64,6 +65,13 @@ lan_question& ask(remembered<host_pair, lan_question>& questions, const journal&
     question->last = at;
     ++question->times;
     return *question;
+}
+
+void reach(lan_tracker& tracker, std::uint32_t host, std::uint32_t source) {
+    if (lan_asker* const asker = tracker.askers.find(host)) {
+        asker->reached = asker->reached || (asker->source != 0 && asker->source != source);
+        asker->source = source;
+    }
 }
 
 void add_failure(lan_tracker& tracker, const journal& about, const lan_failure& failure) {
@@ -159,8 +167,8 @@ void take_icmp(lan_tracker& tracker, const journal& about, const frame& what, st
 
 // --- Conclusions
 
-/// Where nobody answers in the end. A host that was asked a moment ago may still answer, and the answer to a host that
-/// nothing was sent to here passes by.
+/// Where nobody answers in the end. A host that was asked a moment ago may still answer, and the answer to a host
+/// elsewhere passes by.
 void conclude(lan_tracker& tracker, const journal& about, const lan_question& question, kind what) {
     const bool waits = elapsed(question.last, about.now) < LONG_WAIT_MS && question.times < MANY_TIMES;
     if (waits || question.lost != about.lost || !question.answer_would_show) {
@@ -177,11 +185,17 @@ void conclude(lan_tracker& tracker, const journal& about, const lan_question& qu
     add_failure(tracker, about, failure);
 }
 
-/// A limit that is found out, as traceroute and the discovery of the path's MTU do, is no trouble.
+/// A limit that is found out, as traceroute and the discovery of the path's MTU do, is no trouble, nor is what still
+/// comes for a program that has just ended.
 bool is_trouble(const lan_failure& failure) {
-    const bool in_order = failure.what == kind::ICMP &&
-                          (failure.icmp_type == ICMP_TIME_EXCEEDED || failure.icmp_code == ICMP_FRAGMENTATION_NEEDED);
-    return failure.times >= MANY_TIMES && !in_order;
+    if (failure.what == kind::ICMP) {
+        const bool limit = failure.icmp_type == ICMP_TIME_EXCEEDED || failure.icmp_code == ICMP_FRAGMENTATION_NEEDED;
+        const bool short_time = elapsed(failure.first, failure.last) < SHORT_TIME_MS;
+        if (limit || (failure.icmp_code == ICMP_PORT_UNREACHABLE && short_time)) {
+            return false;
+        }
+    }
+    return failure.times >= MANY_TIMES;
 }
 
 /// Those that happened most, and of these those first that began first.
@@ -216,15 +230,13 @@ void take_arp(lan_tracker& tracker, const journal& about, const frame& what) {
     if (operation == ARP_REPLY) {
         ++tracker.arp_replies;
         tracker.arps.finish({target, sender, 0});
-        if (lan_asker* const asker = tracker.askers.find(target)) {
-            asker->reached = true;
-        }
+        reach(tracker, target, sender);
     } else if (operation == ARP_REQUEST) {
         ++tracker.arp_requests;
         lan_question& question = ask(tracker.arps, about, what.at, {sender, target, 0});
         question.answer_would_show = question.answer_would_show || what.sent;
         if (tracker.askers.find(sender) == nullptr) {
-            tracker.askers.begin(sender, *about.shared, {what.at, false});
+            tracker.askers.begin(sender, *about.shared, {what.at, 0, false});
         }
     }
 }
@@ -238,9 +250,7 @@ void take_ip(lan_tracker& tracker, const journal& about, const frame& what) {
     }
     const host_pair hosts{datagram.be32(12), datagram.be32(16), 0};
     tracker.arps.finish(hosts);  // who sends there has got its reply
-    if (lan_asker* const asker = tracker.askers.find(hosts.to)) {
-        asker->reached = true;
-    }
+    reach(tracker, hosts.to, hosts.from);
     if ((datagram.be16(6) & FRAGMENT_OFFSET) != 0) {
         return;
     }

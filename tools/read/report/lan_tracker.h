@@ -26,10 +26,12 @@ struct lan_question {
     bool answer_would_show = false;  // it would pass this interface
 };
 
-/// A host that asks for others by ARP.
+/// A host that asks for others by ARP, and who sent anything to it alone. Where two did, the replies to it pass here:
+/// what passes on a switched LAN has one end where it is captured.
 struct lan_asker {
     place first;
-    bool reached = false;  // a frame for it alone was seen here
+    std::uint32_t source = 0;
+    bool reached = false;  // by another source, too
 };
 
 /// What went wrong between two hosts, once or more often.
