@@ -32,6 +32,10 @@ constexpr named_value UNREACHABLE_CODES[] = {
 
 }  // namespace
 
+table_text icmp_type_name(int type) { return value_name(TYPE_NAMES, type); }
+
+table_text icmp_unreachable_name(int code) { return value_name(UNREACHABLE_CODES, code); }
+
 void dump_icmp(octets message) {
     const int type = static_cast<std::int8_t>(message[0]);
     print<"\t     ICMP-Message , type ">();

@@ -61,6 +61,8 @@ void dump_tag(int type, octets value) {
 
 }  // namespace
 
+table_text pppoe_tag_name(int type) { return value_name(OCTET_TAGS, type, value_name(TEXT_TAGS, type)); }
+
 void dump_pppoe_tags(octets tags) {
     while (tags.length > 0 && tags.held() > 0) {
         const int tag_length = tags.be16(2);

@@ -1,7 +1,9 @@
 #include "ppp/lcp.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "base/print.h"
-#include "ppp/option_walk.h"
 
 namespace ifwatch {
 
@@ -48,72 +50,81 @@ constexpr named_value CHECK_SEQUENCES[] = {
     {0x04, "32-bit; "},
 };
 
-void print_async_map(ppp_option& option) {
+void put_async_map(text_sink& out, const ppp_option& option) {
     const octets data = option.data;
-    print<"Async-Map 0x%02x%02x%02x%02x;">(data[0], data[1], data[2], data[3]);
+    print_to<"Async-Map 0x%02x%02x%02x%02x;">(out, data[0], data[1], data[2], data[3]);
 }
 
-void print_authentication(ppp_option& option) {
+void put_authentication(text_sink& out, const ppp_option& option) {
     const octets data = option.data;
     // The low octet is 0x23 in both protocol numbers, 0xC023 and 0xC223.
     const table_text protocol =
         data[1] == 0x23 ? value_name(AUTHENTICATION_PROTOCOLS, data[0], "unknown") : table_text("strange");
-    print<"Authentication Protocol %s;">(protocol);
+    print_to<"Authentication Protocol %s;">(out, protocol);
     if (option.length > 4) {
-        print<" Encrypt %s;">(value_name(CHAP_ALGORITHMS, data[2], "unknown"));
+        print_to<" Encrypt %s;">(out, value_name(CHAP_ALGORITHMS, data[2], "unknown"));
     }
 }
 
-void print_magic_number(ppp_option& option) {
+void put_magic_number(text_sink& out, const ppp_option& option) {
     const octets data = option.data;
-    print<"Magic-Number 0x%02x%02x%02x%02x;">(data[0], data[1], data[2], data[3]);
+    print_to<"Magic-Number 0x%02x%02x%02x%02x;">(out, data[0], data[1], data[2], data[3]);
 }
 
-void print_fcs_alternatives(ppp_option& option) {
-    print<"FCS-Alternatives: ">();
+void put_fcs_alternatives(text_sink& out, const ppp_option& option) {
+    put(out, "FCS-Alternatives: ");
     for (const named_value& sequence : CHECK_SEQUENCES) {
         if ((option.data[0] & sequence.value) != 0) {
-            print<"%s">(sequence.name);
+            put(out, sequence.name.view());
         }
     }
 }
 
-void print_callback(ppp_option& option) {
+void put_callback(text_sink& out, const ppp_option& option) {
     const int operation = option.data[0];
     if (operation == CALLBACK_NUMBER) {
-        print<"Callback Number (E.164) ">();
+        put(out, "Callback Number (E.164) ");
         for (const std::uint8_t digit : option.data.run(1, option.data.length - 1)) {
-            print<"%c">(digit);
+            put(out, static_cast<char>(digit));
         }
-        print<";">();
+        put(out, ';');
     } else if (operation == CALLBACK_BY_CBCP) {
-        print<"Callback Control Protocol (CBCP);">();
+        put(out, "Callback Control Protocol (CBCP);");
     } else {
-        print<"Callback Operation %d;">(operation);
+        print_to<"Callback Operation %d;">(out, operation);
     }
 }
 
-void print_named_option(ppp_option& option) {
+void put_named_option(text_sink& out, const ppp_option& option) {
     if (const table_text number = value_name(NUMBER_OPTIONS, option.type)) {
-        print_named(number, option.data.be16(0));
+        print_named_to(out, number, option.data.be16(0));
     } else {
-        print_named(value_name(OTHER_OPTIONS, option.type, "unknown code %d;"),
-                    static_cast<std::uint32_t>(option.type));
+        print_named_to(out, value_name(OTHER_OPTIONS, option.type, "unknown code %d;"),
+                       static_cast<std::uint32_t>(option.type));
     }
 }
 
-constexpr option_kind OPTIONS[] = {
-    {2, print_async_map},        {3, print_authentication}, {5, print_magic_number},
-    {9, print_fcs_alternatives}, {13, print_callback},
+struct option_text {
+    int type;
+    void (*put)(text_sink& out, const ppp_option& option);
+};
+
+constexpr option_text OPTIONS[] = {
+    {2, put_async_map}, {3, put_authentication}, {5, put_magic_number}, {9, put_fcs_alternatives}, {13, put_callback},
 };
 
 void print_option(ppp_option& option) {
     print<"\t\t">();
-    find_option(OPTIONS, option.type, print_named_option)(option);
+    put_lcp_option(standard_output, option);
     print<"\n">();
 }
 
 }  // namespace
+
+void put_lcp_option(text_sink& out, const ppp_option& option) {
+    const auto* const found = std::ranges::find(OPTIONS, option.type, &option_text::type);
+    (found != std::end(OPTIONS) ? found->put : put_named_option)(out, option);
+}
 
 void dump_lcp(const control_packet& packet) {
     print<"\t     ID %d LCP %s\n">(packet.identifier, control_code_name(packet.code, HIGHEST_CODE));

@@ -15,6 +15,7 @@
 #include "lan/token_ring.h"
 #include "lan/wlan_oid.h"
 #include "ppp/ppp.h"
+#include "read/report/station.h"
 
 namespace ifwatch::reporting {
 
@@ -40,7 +41,7 @@ bool skip_multilink_header(octets& packet) {
     return begins && packet.length > 0;
 }
 
-void take_ppp_frame(interface_report& to, const frame& what, std::uint64_t link) {
+void take_ppp_frame(interface_report& to, const frame& what, ppp_end from) {
     octets packet = what.data;
     if (packet[0] == 0xFF && packet[1] == 0x03) {
         packet = packet.skip(2);
@@ -48,21 +49,24 @@ void take_ppp_frame(interface_report& to, const frame& what, std::uint64_t link)
     int protocol = take_ppp_protocol(packet);
     while (protocol == PROTOCOL_MULTILINK) {
         if (!skip_multilink_header(packet)) {
-            take_ppp_data(to.ppp, to.about, what.with(packet), link, protocol);
+            take_ppp_data(to.ppp, to.about, what.with(packet), from, protocol);
             return;
         }
         protocol = take_ppp_protocol(packet);
     }
     const frame carried = what.with(packet);
     if (protocol > LAST_DATA_PROTOCOL) {
-        take_ppp_control(to.ppp, to.about, carried, link, protocol);
+        take_ppp_control(to.ppp, to.about, carried, from, protocol);
         return;
     }
-    take_ppp_data(to.ppp, to.about, carried, link, protocol);
+    take_ppp_data(to.ppp, to.about, carried, from, protocol);
     if (protocol == PROTOCOL_IP) {
         take_ip_datagram(to, carried);
     }
 }
+
+/// The end of a link that is the only one of its line.
+ppp_end end_of_line(const frame& what, std::uint64_t link = 0) { return {link, what.sent ? 1 : 0}; }
 
 // --- LAN
 
@@ -76,19 +80,26 @@ constexpr int UNNUMBERED = 3;
 
 bool take_ethernet(interface_report& to, const frame& what, int nesting);
 
-/// A PPPoE session is one of its two stations, and has a number there.
-std::uint64_t pppoe_link(octets ethernet) {
-    std::uint64_t stations = 0;
-    for (int i = 0; i < 6; ++i) {
-        stations = stations << 8 | static_cast<std::uint64_t>(ethernet[i] ^ ethernet[i + 6]);
-    }
-    return static_cast<std::uint64_t>(ethernet.be16(ETHERNET_HEADER + 2)) << 48 | stations;
+/// A PPPoE session is one of its two stations, and has a number there. Which of them sends is always known.
+ppp_end pppoe_end(octets ethernet) {
+    const std::uint64_t to = station_at(ethernet);
+    const std::uint64_t from = station_at(ethernet.skip(6));
+    const auto session = static_cast<std::uint64_t>(ethernet.be16(ETHERNET_HEADER + 2));
+    return {session << ppp_end::SESSION_SHIFT | (to ^ from), from > to ? 1 : 0};
 }
 
 void take_pppoe_session(interface_report& to, const frame& what, octets packet) {
     const octets rest = packet.skip(PPPOE_HEADER);
     const int length = packet.be16(4);
-    take_ppp_frame(to, what.with(rest.at(0, std::min(length, rest.length))), pppoe_link(what.data));
+    take_ppp_frame(to, what.with(rest.at(0, std::min(length, rest.length))), pppoe_end(what.data));
+}
+
+void take_pppoe_packet(interface_report& to, const frame& what, octets packet) {
+    constexpr int terminate = 0xA7;
+    take_pppoe_discovery(to.pppoe, to.about, what);
+    if (packet[1] == terminate) {
+        take_ppp_session_end(to.ppp, to.about, what, pppoe_end(what.data).link);
+    }
 }
 
 /// What stands behind a header of the link layer. `what` begins with the Ethernet header where there is one.
@@ -101,7 +112,7 @@ bool take_ethertype(interface_report& to, const frame& what, octets payload, int
             take_arp(to.lan, to.about, what.with(payload));
             return true;
         case ETHERTYPE_PPPOE_DISCOVERY:
-            take_pppoe_discovery(to.pppoe, to.about, what);
+            take_pppoe_packet(to, what, payload);
             return true;
         case ETHERTYPE_PPPOE_SESSION:
             take_pppoe_session(to, what, payload);
@@ -159,7 +170,7 @@ bool take_aal5(interface_report& to, const frame& what, std::uint64_t circuit) {
     const encapsulation found = rfc1483_encapsulation(what.data);
     const octets payload = what.data.skip(found.header_length);
     if (found.type == KEY_PPP) {
-        take_ppp_frame(to, what.with(payload), circuit);
+        take_ppp_frame(to, what.with(payload), end_of_line(what, circuit));
         return true;
     }
     return take_ethertype(to, what.with(payload), payload, found.type, 0);
@@ -234,7 +245,7 @@ bool take_channel_frame(interface_report& to, const frame& what) {
     const bool asked_for_ppp = (to.mode_flags & (MODE_PPP | MODE_PPP_X75)) != 0 && (to.mode_flags & MODE_LAYER3) == 0;
     const bool unknown = to.content == channel_content::UNKNOWN;
     if (to.content == channel_content::PPP || (unknown && asked_for_ppp)) {
-        take_ppp_frame(to, what, 0);
+        take_ppp_frame(to, what, end_of_line(what));
         return true;
     }
     return (!unknown || (to.mode_flags & link_layers) != 0) && take_lapb_frame(to, what);
@@ -286,7 +297,7 @@ bool take_bchannel(interface_report& to, const frame& what, const record_header&
 // --- Leased lines and the rest
 
 bool take_ppp_line(interface_report& to, const frame& what, const record_header& /*header*/) {
-    take_ppp_frame(to, what, 0);
+    take_ppp_frame(to, what, end_of_line(what));
     return true;
 }
 

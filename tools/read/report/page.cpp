@@ -73,6 +73,12 @@ std::string foreign_name(std::string_view text) {
     return std::string(shown.text());
 }
 
+std::string quoted_text(octets text) {
+    text_buffer<4 * MAX_FOREIGN_TEXT + 5> quoted;
+    print_to<"'%s'">(quoted, foreign_text(text));
+    return std::string(quoted.text());
+}
+
 void short_text::append(octets text) {
     for (const std::uint8_t octet : text.run(0, text.length)) {
         if (length_ == MOST) {

@@ -31,6 +31,9 @@ inline constexpr int MAX_FOREIGN_TEXT = 40;
 [[nodiscard]] std::string foreign_text(octets text);
 [[nodiscard]] std::string foreign_name(std::string_view text);
 
+/// The same between apostrophes.
+[[nodiscard]] std::string quoted_text(octets text);
+
 /// Text that strangers wrote, as it is remembered: its first octets, as they came, and whether there were more.
 class short_text {
 public:

@@ -1,13 +1,52 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 
 #include "read/report/journal.h"
+#include "read/report/kept_octets.h"
+#include "read/report/remembered.h"
 
 namespace ifwatch::reporting {
 
+/// Packets of one kind that wait for an answer.
+struct unanswered_packets {
+    place first;
+    place last;
+    int count = 0;
+};
+
+/// An access concentrator that has offered itself.
+struct pppoe_offer {
+    std::uint64_t station = 0;
+    kept_octets<41> name;
+};
+
+/// The way of one host to a PPPoE session, from its PADI to the PADT.
+struct pppoe_search {
+    place first;
+    std::uint64_t lost = 0;  // records that had been lost up to its first packet
+    std::uint64_t host = 0;
+    bool began_before = false;
+    unanswered_packets initiations;  // PADI
+    unanswered_packets requests;     // PADR
+    int tries = 0;                   // PADI, answered or not
+    std::array<pppoe_offer, 3> offers;
+    std::size_t offered = 0;
+    std::uint64_t concentrator = 0;  // that a session was asked of
+    std::optional<place> confirmed;
+    int session = 0;
+    int refused_with = 0;  // tag
+    std::optional<place> ended;
+    bool ended_by_host = false;
+    int error = 0;  // tag of the PADT
+    kept_octets<41> reason;
+};
+
 /// PPPoE discovery of one interface (RFC 2516).
 struct pppoe_tracker {
+    remembered<std::uint64_t, pppoe_search> searches;  // by the station of the host
     bool seen = false;
 };
 
