@@ -43,7 +43,7 @@ constexpr protocol PROTOCOLS[] = {
     {"X.25", "LAPB links and X.25 calls", [](const auto& from) { return x25_was_seen(from.x25); },
      [](const auto& from) { print_x25_section(from.x25, from.about); }, [](auto& of) { finish_x25(of.x25, of.about); }},
     {"Fax", "fax sessions", [](const auto& from) { return fax_was_seen(from.fax); },
-     [](const auto& from) { print_fax_section(from.fax); }, [](auto& of) { finish_fax(of.fax, of.about); }},
+     [](const auto& from) { print_fax_section(from.fax, from.about); }, [](auto& of) { finish_fax(of.fax, of.about); }},
     {"File transfer", "file transfers", [](const auto& from) { return eft_was_seen(from.eft); },
      [](const auto& from) { print_eft_section(from.eft); }, [](auto& of) { finish_eft(of.eft, of.about); }},
     {"LAN", "ARP, TCP connections and ICMP refusals", [](const auto& from) { return lan_was_seen(from.lan); },
