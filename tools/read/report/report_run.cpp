@@ -45,7 +45,7 @@ constexpr protocol PROTOCOLS[] = {
     {"Fax", "fax sessions", [](const auto& from) { return fax_was_seen(from.fax); },
      [](const auto& from) { print_fax_section(from.fax, from.about); }, [](auto& of) { finish_fax(of.fax, of.about); }},
     {"File transfer", "file transfers", [](const auto& from) { return eft_was_seen(from.eft); },
-     [](const auto& from) { print_eft_section(from.eft); }, [](auto& of) { finish_eft(of.eft, of.about); }},
+     [](const auto& from) { print_eft_section(from.eft, from.about); }, [](auto& of) { finish_eft(of.eft, of.about); }},
     {"LAN", "ARP, TCP connections and ICMP refusals", [](const auto& from) { return lan_was_seen(from.lan); },
      [](const auto& from) { print_lan_section(from.lan); }, [](auto& of) { finish_lan(of.lan, of.about); }},
 };

@@ -27,6 +27,7 @@ void begin_standstill(x25_flow& flow, const journal& about, place at) {
 }  // namespace
 
 void take_x25_data(x25_flow& flow, const journal& about, place at, int ps, int mask) {
+    flow.in_order = flow.packets > 0 && ps == flow.next ? flow.in_order + 1 : 0;
     ++flow.packets;
     flow.next = (ps + 1) & mask;
     if (!flow.known) {

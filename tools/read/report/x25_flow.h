@@ -14,6 +14,7 @@ struct x25_flow {
     int window = 2;  // where nothing else is told or seen
     bool more = false;
     std::uint64_t packets = 0;
+    int in_order = 0;  // the last packets, each numbered behind the one before
 
     bool full = false;
     bool not_ready = false;  // RNR

@@ -14,6 +14,9 @@ using ending = x25_call::ending;
 constexpr int LAPB_LINK = -1;
 constexpr int SEQUENCE_BITS = 3;  // of the general format identifier
 
+// Nothing but X.25 numbers its packets one behind the other for so long.
+constexpr int SURELY_IN_ORDER = 4;
+
 constexpr int MANY_RESTARTS = 3;
 constexpr std::uint32_t RESTART_WAIT_MS = 10'000;
 
@@ -204,6 +207,7 @@ octets take_sequenced(x25_tracker& tracker, const journal& about, const frame& w
         return user_data;
     }
     take_x25_data(own, about, what.at, header.ps, header.mask);
+    state_of(tracker, key.link).is_x25 = state_of(tracker, key.link).is_x25 || own.in_order >= SURELY_IN_ORDER;
     const bool goes_on = own.more;
     own.more = header.more;
     return goes_on ? user_data.cut(0) : user_data;
