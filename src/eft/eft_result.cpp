@@ -12,8 +12,6 @@ namespace ifwatch {
 
 namespace {
 
-constexpr int OTHER_REASON = 0x6F;
-
 constexpr named_value RESULTS[] = {
     {0x20, "Response for T-ASSOCIATE"},
     {0x21, "Response for T-RELEASE"},
@@ -88,7 +86,7 @@ void remember_command(int code, eft_tdu_state& state) {
 
 /// Returns what stands behind the reason.
 octets print_reason(octets rest) {
-    const table_text name = name_at(REASONS, rest[0] - FIRST_REASON);
+    const table_text name = eft_reason_name(rest[0]);
     const octets behind = rest.skip(1);
     if (name) {
         print<"%s">(name);
@@ -108,10 +106,10 @@ octets print_result(octets codes, eft_tdu_state& state) {
         print<"Response for T-WRITE block 0x%04lx">(eft_number(rest));
         return none;
     }
-    if (code == OTHER_REASON) {
+    if (code == EFT_OTHER_REASON) {
         return print_reason(rest);
     }
-    if (const table_text name = value_name(RESULTS, code)) {
+    if (const table_text name = eft_result_name(code)) {
         print<"%s">(name);
         remember_command(code, state);
         return rest;
@@ -122,6 +120,10 @@ octets print_result(octets codes, eft_tdu_state& state) {
 }
 
 }  // namespace
+
+table_text eft_result_name(int code) { return value_name(RESULTS, code); }
+
+table_text eft_reason_name(int code) { return name_at(REASONS, code - FIRST_REASON); }
 
 void print_eft_results(octets value, eft_tdu_state& state) {
     while (value.within() > 0) {

@@ -35,9 +35,17 @@ constexpr named_value COMMANDS[] = {
     {0x38, "T-ABORT"},
 };
 
-/// Takes identifier, length and contents off `rest`, which units and parameters both begin with. The contents are cut
-/// back to the end of `rest`; their length is negative when the header itself passes it.
-octets take_contents(octets& rest) {
+eft_parameter take_parameter(octets& rest) {
+    const int identifier = rest[0];
+    const octets value = take_eft_contents(rest);
+    return {identifier, value, rest};
+}
+
+}  // namespace
+
+table_text eft_command_name(int command) { return value_name(COMMANDS, command, ""); }
+
+octets take_eft_contents(octets& rest) {
     const bool long_form = rest[1] == LONG_FORM;
     const int header = long_form ? 4 : 2;
     const int length = long_form ? rest.be16(2) : rest[1];
@@ -45,14 +53,6 @@ octets take_contents(octets& rest) {
     rest = rest.skip(header + contents.length);
     return contents;
 }
-
-eft_parameter take_parameter(octets& rest) {
-    const int identifier = rest[0];
-    const octets value = take_contents(rest);
-    return {identifier, value, rest};
-}
-
-}  // namespace
 
 void dump_eft_tdu(octets tdu, display_context& context) {
     tdu = tdu.cut(tdu.length);
@@ -65,7 +65,7 @@ void dump_eft_tdu(octets tdu, display_context& context) {
     print_named(value_name(COMMANDS, command, "unknown TDU command identifier 0x%02x"),
                 static_cast<std::uint32_t>(command));
     eft_tdu_state state{command, context.eft_response_command};
-    octets rest = take_contents(tdu);
+    octets rest = take_eft_contents(tdu);
     while (rest.within() > 0 && !state.ended) {
         const eft_parameter parameter = take_parameter(rest);
         if (state.data_announced && parameter.identifier != EFT_FILE_DESCRIPTION) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/names.h"
 #include "base/octets.h"
 
 namespace ifwatch {
@@ -11,6 +12,13 @@ struct display_context;
 //     octet 0   command identifier
 //     octet 1   length of the parameters; 0xFF: the length stands in octets 2 and 3
 //     then      parameters: identifier, length (in the same two forms), value
+
+/// The name of a command; empty where it has none.
+[[nodiscard]] table_text eft_command_name(int command);
+
+/// Takes identifier, length and contents off `rest`, which units and parameters both begin with. The contents are cut
+/// back to the end of `rest`; their length is negative when the header itself passes it.
+octets take_eft_contents(octets& rest);
 
 /// Prints one transfer data unit: the command, and one line for each parameter. A unit that begins with 0x40 is one
 /// of telematic control and goes to dump_ets300079. Lengths that pass the data are cut back to its end; nothing behind

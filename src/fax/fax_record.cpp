@@ -13,10 +13,6 @@ namespace ifwatch {
 
 namespace {
 
-constexpr std::uint32_t FRAMING_T30 = 0;   // HDLC at 300 bit/s
-constexpr std::uint32_t FRAMING_PAGE = 1;  // page data without error correction
-constexpr std::uint32_t FRAMING_ECM = 2;   // HDLC at the page-data rate
-
 constexpr int MODE_OCTET_T30 = 0xA0;
 constexpr int MODE_OCTET_ECM = 0x80;
 
@@ -41,17 +37,14 @@ constexpr named_value MODULATIONS[] = {
 /// Prints the mode that a mode octet selects; returns its framing.
 std::uint32_t print_fax_mode(const char* direction_name, int mode_octet) {
     print<"\t%s mode is ">(direction_name);
-    if (mode_octet == MODE_OCTET_T30) {
+    const std::uint32_t framing = fax_framing(mode_octet);
+    if (framing == FAX_FRAMING_T30) {
         print<"T.30  (300 bit/s)\n">();
-        return FRAMING_T30;
+        return framing;
     }
     print<"%s">(value_name(MODULATIONS, mode_octet & 0x7F, "unknown"));
-    if ((mode_octet & MODE_OCTET_ECM) != 0) {
-        print<" ECM\n">();
-        return FRAMING_ECM;
-    }
-    print<"\n">();
-    return FRAMING_PAGE;
+    print<"%s">(framing == FAX_FRAMING_ECM ? " ECM\n" : "\n");
+    return framing;
 }
 
 /// Prints the address and control octets of an HDLC frame and the T.30 frame behind them.
@@ -63,9 +56,9 @@ void dump_hdlc_frame(octets record) {
 
 void dump_data(octets record, bool sent, display_context& context) {
     const std::uint32_t framing = sent ? context.fax_xmit_mode : context.fax_recv_mode;
-    if (framing == FRAMING_PAGE) {
+    if (framing == FAX_FRAMING_PAGE) {
         print<"\tT.4   PIXEL DATA len=%d\n">(record.length - 1);
-    } else if (framing == FRAMING_ECM) {
+    } else if (framing == FAX_FRAMING_ECM) {
         print<"\tT.4   ">();
         dump_hdlc_frame(record);
     } else if (record.length <= 3) {
@@ -93,7 +86,7 @@ void change_mode(octets record, bool sent, display_context& context) {
         change_sending_mode(record, context);
     } else if (record.length < 2) {
         print<"\tT.30 CARRIER DETECTED\n">();
-        context.fax_recv_mode = FRAMING_T30;
+        context.fax_recv_mode = FAX_FRAMING_T30;
     } else {
         context.fax_recv_mode = print_fax_mode("RECV", record[1]);
     }
@@ -127,11 +120,23 @@ struct fax_event {
 };
 
 constexpr fax_event EVENTS[] = {
-    {0, dump_data}, {1, change_mode},    {2, dump_called_tone}, {3, dump_calling_tone},
-    {5, dump_stop}, {6, dump_fcs_error}, {255, dump_at_text},
+    {FAX_EVENT_DATA, dump_data},
+    {FAX_EVENT_MODE, change_mode},
+    {FAX_EVENT_CED, dump_called_tone},
+    {FAX_EVENT_CNG, dump_calling_tone},
+    {5, dump_stop},
+    {FAX_EVENT_FCS_ERROR, dump_fcs_error},
+    {255, dump_at_text},
 };
 
 }  // namespace
+
+std::uint32_t fax_framing(int mode_octet) {
+    if (mode_octet == MODE_OCTET_T30) {
+        return FAX_FRAMING_T30;
+    }
+    return (mode_octet & MODE_OCTET_ECM) != 0 ? FAX_FRAMING_ECM : FAX_FRAMING_PAGE;
+}
 
 void dump_fax_record(octets record, std::uint32_t direction, display_context& context) {
     const fax_event* const event = std::ranges::find(EVENTS, record[0], &fax_event::type);

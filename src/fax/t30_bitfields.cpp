@@ -158,21 +158,35 @@ std::string_view take_line(std::string_view& rest) {
     return line;
 }
 
+/// The line behind the title that names a value; empty when the text has too few lines.
+std::string_view value_line(std::string_view rest, int value) {
+    for (; value > 0 && !rest.empty(); --value) {
+        take_line(rest);
+    }
+    return take_line(rest);
+}
+
 /// Prints the field's title and the line that names its value; nothing when the text has too few lines.
 void print_bitfield_value(table_text text, int value) {
     std::string_view rest = text.view();
     const std::string_view title = take_line(rest);
-    for (; value > 0 && !rest.empty(); --value) {
-        take_line(rest);
-    }
-    if (!rest.empty()) {
-        print<"\t\t%s = %s\n">(title, take_line(rest));
+    if (const std::string_view name = value_line(rest, value); !name.empty()) {
+        print<"\t\t%s = %s\n">(title, name);
     }
 }
 
 bool ends_walk(const capability_field& field, int value) { return value == -1 || (!field.dis && value == 0); }
 
 }  // namespace
+
+std::string_view t30_rate_name(octets dcs) {
+    constexpr int rate_bit = 11;
+    const auto* const field = std::ranges::find(CAPABILITIES, rate_bit, &capability_field::bit);
+    const int value = get_bitfield(dcs, rate_bit - 1, field->width);
+    std::string_view lines = field->dcs.view();
+    take_line(lines);
+    return value >= 0 ? value_line(lines, value) : std::string_view();
+}
 
 int get_bitfield(octets field, int bit_index, int width) {
     // The bound adds the length in octets where the width would be expected.

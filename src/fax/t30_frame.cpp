@@ -136,6 +136,11 @@ void dump_t30_frame(octets frame) {
     }
 }
 
+std::string_view t30_frame_name(int fcf) {
+    const std::string_view name = value_name(FCF_NAMES, fcf, "").view();
+    return name.substr(0, name.find('('));
+}
+
 void reverse_octets(octets field) { std::reverse(field.data, field.data + field.within()); }
 
 }  // namespace ifwatch

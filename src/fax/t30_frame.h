@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "base/octets.h"
 
 namespace ifwatch {
@@ -13,6 +15,9 @@ namespace ifwatch {
 /// capabilities (DIS, DTC, DCS, CTC), the numbers of error-correction frames. An unknown FCF is shown as two
 /// hexadecimal digits. Octets that are not held read as 0.
 void dump_t30_frame(octets frame);
+
+/// The name of a frame without fields of its own, such as MCF; empty for any other.
+[[nodiscard]] std::string_view t30_frame_name(int fcf);
 
 /// Reverses the octets held of `field` in place: identifications are sent last character first.
 void reverse_octets(octets field);

@@ -19,7 +19,6 @@ constexpr named_value REJECTED_FRAMES[] = {
 
 constexpr table_text UNKNOWN_FRAME = "0x%.2x  ";
 
-// From bit 0 on.
 constexpr table_text REASONS[] = {
     "W=1 (Control field illegal or not implemented)", "X=1 (Information field not permitted)",
     "Y=1 (Information field exceedes limit",          "Z=1 (Control field has invalid N(R))",
@@ -56,6 +55,8 @@ int dump_rejected_control(octets frame, int offset) {
 
 }  // namespace
 
+constexpr std::span<const table_text> FRMR_REASONS = REASONS;
+
 int dump_frmr_info(octets frame, int offset) {
     if (frame.length > 1) {
         offset += dump_rejected_control(frame, offset);
@@ -72,7 +73,7 @@ int dump_frmr_info(octets frame, int offset) {
         return frame.length;
     }
     int bit = 0;
-    for (const table_text reason : REASONS) {
+    for (const table_text reason : FRMR_REASONS) {
         if ((frame[offset] >> bit++ & 1) != 0) {
             print<"              %s\n">(reason);
         }

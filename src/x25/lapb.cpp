@@ -45,23 +45,6 @@ int lapb_address(octets frame) {
     return ((first >> 2) * 128) | (second >> 1);
 }
 
-link_header read_link_header(octets frame, bool modulo128) {
-    const int control_at = (frame[0] & 1) != 0 ? 1 : 2;
-    const int control = frame[control_at];
-    link_header header{.address = lapb_address(frame), .control = control};
-    if (modulo128) {
-        const int next = frame[control_at + 1];
-        header.ns = control >> 1;
-        header.nr = next >> 1;
-        header.poll_final = next & 1;
-    } else {
-        header.ns = control >> 1 & 7;
-        header.nr = control >> 5;
-        header.poll_final = control >> 4 & 1;
-    }
-    return header;
-}
-
 void follow_modulus(int frame_type, display_context& context) {
     if (frame_type == SABME) {
         context.lapb_mod128 = 1;
@@ -109,6 +92,23 @@ int print_control(octets frame, const link_header& header, display_context& cont
 }
 
 }  // namespace
+
+link_header read_link_header(octets frame, bool modulo128) {
+    const int control_at = (frame[0] & 1) != 0 ? 1 : 2;
+    const int control = frame[control_at];
+    link_header header{.address = lapb_address(frame), .control = control};
+    if (modulo128) {
+        const int next = frame[control_at + 1];
+        header.ns = control >> 1;
+        header.nr = next >> 1;
+        header.poll_final = next & 1;
+    } else {
+        header.ns = control >> 1 & 7;
+        header.nr = control >> 5;
+        header.poll_final = control >> 4 & 1;
+    }
+    return header;
+}
 
 int dump_lapb_frame(octets frame, display_context& context) {
     return print_lapb_control(frame, read_link_header(frame, context.lapb_mod128 != 0), context);

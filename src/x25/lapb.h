@@ -24,6 +24,9 @@ struct link_header {
     int poll_final = 0;
 };
 
+/// Reads a link header; octets that are not held count as 0.
+[[nodiscard]] link_header read_link_header(octets frame, bool modulo128);
+
 /// Prints the layer-2 line of a LAPB or X.75 frame, with the information field of an FRMR or XID frame, and follows
 /// the modulus in `context`. Returns the octets of the layer-2 header: 2, or 3 for an I or S frame in modulo 128 (the
 /// second octet of a two-octet address is not counted), and for FRMR and XID at least the whole frame. Octets that are

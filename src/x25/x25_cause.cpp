@@ -117,15 +117,20 @@ constexpr std::span<const named_value> X25_RESETTING_CAUSES = RESETTING_CAUSES;
 constexpr std::span<const named_value> X25_RESTARTING_CAUSES = RESTARTING_CAUSES;
 constexpr std::span<const named_value> X25_REGISTRATION_CAUSES = REGISTRATION_CAUSES;
 
-int dump_x25_cause(octets field, std::span<const named_value> causes) {
-    const int cause = field[0];
+table_text x25_cause_name(int cause, std::span<const named_value> causes) {
     const table_text otherwise = (cause & 0x80) != 0 ? table_text("DTE originated") : table_text("");
-    print<"\t\t\tCause = 0x%02x (%s)\n">(cause, value_name(causes, cause, otherwise));
+    return value_name(causes, cause, otherwise);
+}
+
+table_text x25_diagnostic_name(int code) { return value_name(DIAGNOSTICS, code, ""); }
+
+int dump_x25_cause(octets field, std::span<const named_value> causes) {
+    print<"\t\t\tCause = 0x%02x (%s)\n">(field[0], x25_cause_name(field[0], causes));
     return 1;
 }
 
 int dump_x25_diagnostic(octets field) {
-    print<"\t\t\tDiagnostic Code = 0x%02x(%s)\n">(field[0], value_name(DIAGNOSTICS, field[0], ""));
+    print<"\t\t\tDiagnostic Code = 0x%02x(%s)\n">(field[0], x25_diagnostic_name(field[0]));
     return 1;
 }
 

@@ -1,34 +1,12 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
-#include <optional>
 #include <vector>
 
+#include "read/report/data_link.h"
 #include "read/report/journal.h"
-#include "read/report/remembered.h"
 
 namespace ifwatch::reporting {
-
-/// A data link on a D-channel (ITU-T Q.921), from its SABME to its end.
-struct data_link {
-    place first;
-    std::uint64_t lost = 0;  // records that had been lost up to its first frame
-    int sapi = 0;
-    int tei = 0;
-    bool began_before = false;  // it was up when the first frame of it was seen
-    bool sent = false;          // the router sent the SABME
-    int tries = 0;              // SABMEs up to the answer
-    place last_try;
-    std::optional<place> up;
-    std::optional<place> down;
-    bool down_by_router = false;
-    bool refused = false;    // DM
-    std::uint64_t anew = 0;  // SABMEs while it was up
-    std::uint64_t information = 0;
-    std::uint64_t rejects = 0;
-    place first_reject;
-};
 
 /// What became of the requests for a TEI, or of a TEI.
 struct tei_event {
@@ -46,7 +24,7 @@ struct tei_event {
 struct link_tracker {
     static constexpr std::size_t MOST_TEI_EVENTS = 256;
 
-    remembered<int, data_link> links;  // by SAPI and TEI
+    data_links links;
     std::vector<tei_event> teis;
     std::uint64_t more_teis = 0;
     bool tei_waits = false;  // the last event is a request without an answer
