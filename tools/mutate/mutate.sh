@@ -140,7 +140,8 @@ echo "seed $seed"
 build_clean
 trap 'exit 130' INT TERM
 trap report EXIT
-(cd "$WORK/tree" && find src -name '*.cpp' -o -name '*.h' | sort | xargs awk -f "$tools/places.awk") |
+(cd "$WORK/tree" && find src -name '*.cpp' -o -name '*.h' | sort |
+    xargs awk -v same="$tools/same.tsv" -f "$tools/places.awk") |
     awk -v seed="$seed" -f "$tools/choose.awk" >"$WORK/changes.tsv"
 number=0
 : >"$results"

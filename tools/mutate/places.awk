@@ -1,6 +1,7 @@
-# awk -f places.awk FILE...: every place of C++ sources where one small change can be made, a line each, parted by tabs:
-# file, line, column, what stands there, and what could stand there instead, one or two of them. Not in comments, texts,
-# preprocessor lines and static_assert.
+# awk -v same=FILE -f places.awk FILE...: every place of C++ sources where one small change can be made, a line each,
+# parted by tabs: file, line, column, what stands there, and what could stand there instead, one or two of them. Not in
+# comments, texts, preprocessor lines and static_assert. Nor what same.tsv, with a line for each, says changes nothing:
+# file, source line with @ before the place, what would stand there, the reason.
 
 BEGIN {
     count = split("== != < <= > >= && || + - & | << >> += -=", pairs, " ")
@@ -18,9 +19,22 @@ BEGIN {
     word["false"] = "true"
     word["min"] = "max"
     word["max"] = "min"
+    while ((getline row < same) > 0) {
+        split(row, field, "\t")
+        changes_nothing[field[1], field[2], field[3]] = 1
+    }
 }
 
-function place(column, old, new) { printf "%s\t%d\t%d\t%s\t%s\n", FILENAME, FNR, column, old, new }
+function place(column, old, new,    marked, count, choice, i, left) {
+    marked = substr($0, 1, column - 1) "@" substr($0, column)
+    sub(/^ +/, "", marked)
+    left = ""
+    count = new == "" ? 1 : split(new, choice, "\t")
+    for (i = 1; i <= count; i++)
+        if (!((FILENAME, marked, choice[i]) in changes_nothing)) left = left "\t" choice[i]
+    if (left != "") printf "%s\t%d\t%d\t%s%s\n", FILENAME, FNR, column, old, left
+    delete choice
+}
 
 function hex_value(digits,    i, value) {
     for (i = 1; i <= length(digits); i++)
