@@ -114,8 +114,9 @@ frames=$(grep -c '^record' "$tests/../samples/lan-session.case")
 [ "$(grep -c '^[0-9.]* [RX] DATA' "$scratch/trace")" -eq "$frames" ] || fail "the trace lacks frames"
 wait "$simulator" || fail "ifwatch-sim ended with status $?"
 simulator=''
-chroot "$root" /usr/bin/ifwatch-sim export /usr/share/ifwatch/samples/lan-session.case -o /tmp/lan.pcap &&
-    chroot "$root" /usr/bin/ifwatch-read -i /tmp/lan.pcap >"$scratch/read" 2>"$scratch/report" ||
+chroot "$root" /usr/bin/ifwatch-sim export /usr/share/ifwatch/samples/lan-session.case -o /tmp/lan.pcap ||
+    fail "ifwatch-sim export ended with status $?"
+chroot "$root" /usr/bin/ifwatch-read -i /tmp/lan.pcap >"$scratch/read" 2>"$scratch/report" ||
     fail "ifwatch-read ended with status $?: $(cat "$scratch/report")"
 rm "$root/tmp/lan.pcap"
 [ "$(grep -c '^[0-9.]* [RX] DATA' "$scratch/read")" -eq "$frames" ] || fail "what ifwatch-read shows lacks frames"
