@@ -11,7 +11,7 @@ namespace ifwatch::reporting {
 namespace {
 
 // A place, a label of foreign text, the words, how often, and another place.
-constexpr std::size_t MAX_LINE = trouble_list::MAX_TEXT + 4 * MAX_FOREIGN_TEXT + 128;
+constexpr std::size_t MAX_LINE = trouble_list::MAX_TEXT + std::size_t{4} * MAX_FOREIGN_TEXT + 128;
 
 }  // namespace
 
@@ -48,10 +48,8 @@ void trouble_list::print_lines() const {
         if (line.times > 1) {
             print_to<" (%lu times, the last at %s)">(text, line.times, place_text(line.last));
         }
-        constexpr int indent = 2;
-        constexpr int further_indent = 6;
-        print<"%*s">(indent, "");
-        print_broken(text.text(), indent, further_indent);
+        print<"  ">();
+        print_broken(text.text(), 2, 6);
     }
     if (const std::uint64_t more = entries_.size() - shown + dropped_; more > 0) {
         print<"  and %lu more\n">(more);
