@@ -155,8 +155,8 @@ short_text identification(octets fields) {
     const auto held = fields.run(0, std::min(fields.length, static_cast<int>(text.size())));
     std::reverse_copy(held.begin(), held.end(), text.begin());
     const auto is_blank = [](std::uint8_t octet) { return octet == ' '; };
-    const auto end = text.begin() + static_cast<std::ptrdiff_t>(held.size());
-    const auto first = std::find_if_not(text.begin(), end, is_blank);
+    const auto* const end = text.begin() + static_cast<std::ptrdiff_t>(held.size());
+    const auto* const first = std::find_if_not(text.begin(), end, is_blank);
     const auto last = std::find_if_not(std::make_reverse_iterator(end), std::make_reverse_iterator(first), is_blank);
     short_text shown;
     shown.append(
