@@ -41,8 +41,14 @@ TEST(simulator, names_mistakes_in_one_line) {
         {{"--once=1", good}, "--once takes no argument (--help tells more)"},
         {{good, "--port"}, "--port takes a port from 0 to 65535, and none is given (--help tells more)"},
         {{"--fault", "drip", "--fault", "cut=1", good},
-         "--fault takes one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, length=record:N:LENGTH "
-         "and length=element:TYPE:LENGTH, once for an interface, not 'cut=1' (--help tells more)"},
+         "--fault takes one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, "
+         "length=record:N:LENGTH "
+         "and length=element:TYPE:LENGTH, once for an interface, "
+         "not 'cut=1' (--help tells more)"},
+        {{"--fault", "cut=1@2101", "--fault", "drip@2102", good},
+         "--fault takes one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, "
+         "length=record:N:LENGTH "
+         "and length=element:TYPE:LENGTH, once for an interface, not 'drip@2102' (--help tells more)"},
         {{"--pace", "2", "--rate", "3", good}, "--pace and --rate exclude each other (--help tells more)"},
         {{"--port", "7\n8", good}, "--port takes a port from 0 to 65535, not '7\\n8' (--help tells more)"},
         {{"--pace", "fast", good}, "--pace takes real or a factor above 0, not 'fast' (--help tells more)"},

@@ -34,9 +34,9 @@ function run(shown, command, text, ended) {
     while (((command " 2>&1; echo status $?") | getline text) > 0) {
         # The one thing that changes from run to run; 7000 is where a router listens.
         sub("^ifwatch: connected to 127.0.0.1:" port "$", "ifwatch: connected to 127.0.0.1:7000", text)
-        if (text ~ /^(### |[0-9][0-9][0-9][0-9][0-9][0-9]+\.[0-9][0-9][0-9] )/) {
+        if (text ~ /^(### |=== |[0-9][0-9][0-9][0-9][0-9][0-9]+\.[0-9][0-9][0-9] )/) {
             if (!was_loss) records++
-            was_loss = text ~ /^### /
+            was_loss = text ~ /^(###|===) /
         }
         if (text ~ /^trc hdr too short!/) ended = 1
         line[++lines] = text

@@ -74,7 +74,7 @@ private:
 bool capture_run::run(const std::vector<std::int32_t>& indexes, int stop_fd) {
     for (const std::int32_t index : indexes) {
         interfaces_.push_back(std::make_unique<traced_interface>(index));
-        interfaces_.back()->inbox().owner = interfaces_.size() - 1;
+        interfaces_.back()->inbox().belong_to(interfaces_.size() - 1);
     }
     now_ = arrival_now();
     for (const auto& which : interfaces_) {
@@ -222,7 +222,7 @@ void capture_run::lose(traced_interface& which, const std::string& reason, bool 
 
 void capture_run::write_next() {
     record_inbox& inbox = order_.next();
-    traced_interface& from = *interfaces_[inbox.owner];
+    traced_interface& from = *interfaces_[inbox.owner()];
     write(from, inbox.first_octets(), inbox.first());
     order_.drop_next();
 }

@@ -188,7 +188,7 @@ std::vector<offered_choice> offer_choices(std::span<const listed_interface> list
         const std::string index = std::to_string(one.index);
         offered.push_back({index, index + " " + ifc_type_entry(one.type).name});
     }
-    for (const interface_group& line : group_by(listed, std::equal_to<place>())) {
+    for (const interface_group& line : group_by(listed, std::equal_to<>())) {
         if (line.count > 1) {
             offered.push_back({std::string(LINE_WORD) + std::to_string(line.first->index), line_title(line)});
         }

@@ -58,9 +58,14 @@ public:
     [[nodiscard]] std::span<std::uint8_t> first_octets() const;
     void drop_first();
 
+    /// Its place among those of a time_order.
     static constexpr std::size_t NOWHERE = SIZE_MAX;
-    std::size_t place = NOWHERE;  // among those of a time_order
-    std::size_t owner = 0;        // whose it is
+    [[nodiscard]] std::size_t place() const { return place_; }
+    void move_to(std::size_t place) { place_ = place; }
+
+    /// Whose it is, as a number.
+    [[nodiscard]] std::size_t owner() const { return owner_; }
+    void belong_to(std::size_t owner) { owner_ = owner; }
 
 private:
     static constexpr std::size_t LONGEST_RECORD = RECORD_HEADER_LENGTH + RECORD_DATA_MAXIMUM;
@@ -76,6 +81,8 @@ private:
     std::size_t last_ = 0;  // where the record that was taken last begins
     std::vector<waiting_record> waiting_;
     std::size_t first_ = 0;
+    std::size_t place_ = NOWHERE;
+    std::size_t owner_ = 0;
     bool as_stored_ = true;  // those that wait stand in the order of their octets
 };
 

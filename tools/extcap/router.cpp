@@ -62,7 +62,7 @@ bool router_access::prepare(failure& why) {
 
 opened_session router_access::list(std::vector<listed_interface>& listed) {
     listed.clear();
-    const opened_session session = open(0, {}, &listed);
+    opened_session session = open(0, {}, &listed);
     if (session.socket_fd >= 0) {
         close(session.socket_fd);
     }

@@ -47,7 +47,7 @@ private:
         std::int64_t latest = 0;
     };
 
-    bool begins_anew(const follower& who, std::uint32_t stamp, const arrival& came) const;
+    [[nodiscard]] bool begins_anew(const follower& who, std::uint32_t stamp, const arrival& came) const;
     void begin_period(std::uint32_t stamp, const arrival& came);
 
     bool keeps_stamps_;

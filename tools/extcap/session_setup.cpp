@@ -95,10 +95,13 @@ void close_inherited(int kept) {
 
 /// The life of the process.
 [[noreturn]] void set_up_and_end(int fd, router_access& access, std::int32_t index, unsigned patience) {
+    struct sigaction action {};
+    action.sa_handler = SIG_IGN;
     for (const int number : {SIGHUP, SIGINT, SIGTERM}) {
-        std::signal(number, SIG_IGN);  // whoever started it ends it
+        sigaction(number, &action, nullptr);  // whoever started it ends it
     }
-    std::signal(SIGALRM, SIG_DFL);
+    action.sa_handler = SIG_DFL;
+    sigaction(SIGALRM, &action, nullptr);
     alarm(patience);
     close_inherited(fd);
     send_outcome(fd, access.trace(index));

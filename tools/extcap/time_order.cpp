@@ -11,11 +11,11 @@ void time_order::add(record_inbox& inbox, waiting_record record, std::int64_t no
     record.slot = static_cast<std::uint8_t>(static_cast<std::uint64_t>(now) % SLOTS);
     ++arrived_[record.slot];
     const bool is_first = inbox.keep(record);
-    if (inbox.place == record_inbox::NOWHERE) {
+    if (inbox.place() == record_inbox::NOWHERE) {
         heap_.emplace_back();
         rise(heap_.size() - 1, {record.order, &inbox});
     } else if (is_first) {
-        rise(inbox.place, {record.order, &inbox});
+        rise(inbox.place(), {record.order, &inbox});
     }
 }
 
@@ -50,7 +50,7 @@ void time_order::drop_next() {
         sink(0, {inbox.first().order, &inbox});
         return;
     }
-    inbox.place = record_inbox::NOWHERE;
+    inbox.move_to(record_inbox::NOWHERE);
     const source last = heap_.back();
     heap_.pop_back();
     if (!heap_.empty()) {
@@ -60,7 +60,7 @@ void time_order::drop_next() {
 
 void time_order::put(std::size_t place, source what) {
     heap_[place] = what;
-    what.inbox->place = place;
+    what.inbox->move_to(place);
 }
 
 void time_order::rise(std::size_t place, source what) {

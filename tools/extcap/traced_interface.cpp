@@ -17,7 +17,7 @@ namespace ifwatch::extcap {
 
 namespace {
 
-constexpr std::int64_t LASTING = 60 * 1000;  // a session of so many milliseconds was one, even without a record
+constexpr std::int64_t LASTING = 60'000;  // a session of so many milliseconds was one, even without a record
 
 /// A router that is gone without a word is noticed after two minutes.
 void watch_peer(int socket_fd) {
@@ -49,7 +49,7 @@ bool traced_interface::begin(router_access& access, std::string& reason) {
 }
 
 opened_session traced_interface::take_set_up(std::int64_t steady_ms) {
-    const opened_session session = set_up_.take();
+    opened_session session = set_up_.take();
     if (session.result == set_up::OPEN) {
         state_ = state::TRACING;
         socket_fd_ = session.socket_fd;

@@ -3,9 +3,26 @@
 #include <algorithm>
 #include <utility>
 
+#include "capture/channel_types.h"
+#include "capture/link_types.h"
+#include "display/mode_flags.h"
 #include "display/record_display.h"
 
 namespace ifwatch::read {
+
+namespace {
+
+/// The options are one set for all interfaces: with -p, a B-channel whose frames the capture calls PPP is shown as
+/// that, though -2 and -3 are meant for its D-channel.
+void prefer_ppp(const known_interface& interface, display_context& context) {
+    const bool ppp = interface.source->own && interface.source->channel_type == capture::CHANNEL_B &&
+                     interface.link_type == capture::LINK_PPP && (context.mode_flags & MODE_PPP) != 0;
+    if (ppp) {
+        context.mode_flags &= ~(MODE_LAYER2 | MODE_LAYER3);
+    }
+}
+
+}  // namespace
 
 known_interface& line_table::interface_of(const capture::captured_packet& packet,
                                           const capture::capture_reader& reader) {
@@ -43,6 +60,7 @@ traced_line& line_table::line_of(known_interface& interface, const capture::capt
         const auto same = std::ranges::find_if(lines_, [&](const auto& line) { return line->identity == identity; });
         interface.line =
             same != lines_.end() ? same->get() : &add_line(std::move(identity), interface.source->channel_type);
+        prefer_ppp(interface, interface.line->context);
     }
     interface.line->used = packet.number;
     return *interface.line;
