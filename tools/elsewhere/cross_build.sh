@@ -4,12 +4,11 @@
 set -eu
 cmake -G Ninja -B build/cross -D CMAKE_BUILD_TYPE=Release -D CMAKE_CXX_FLAGS_RELEASE=-O1 -D CMAKE_SYSTEM_NAME=Linux -D CMAKE_SYSTEM_PROCESSOR="${1%%-*}" \
     -D CMAKE_CXX_COMPILER="$1-g++" -D CMAKE_CROSSCOMPILING_EMULATOR="$(command -v "$2")" -D IFWATCH_SANITIZERS=undefined
-cmake --build build/cross --target ifwatch ifwatch-sim ifwatch-extcap golden_runner unit_tests replay
+cmake --build build/cross --target installed emulated
 
 # The runner starts the programs by name, which takes the emulator in front of them.
-for program in ifwatch ifwatch-sim ifwatch-extcap; do
-    file=$PWD/build/cross/$program
+for file in "$PWD"/build/cross/ifwatch "$PWD"/build/cross/ifwatch-*; do
     mv "$file" "$file.elf"
-    printf '#!/bin/sh\nexec %s -0 %s %s.elf "$@"\n' "$2" "$program" "$file" >"$file"
+    printf '#!/bin/sh\nexec %s -0 %s %s.elf "$@"\n' "$2" "${file##*/}" "$file" >"$file"
     chmod +x "$file"
 done
