@@ -7,6 +7,7 @@
 #include "display/display_context.h"
 #include "eft/eft_attributes.h"
 #include "eft/eft_directory.h"
+#include "eft/eft_result.h"
 #include "eft/ets300079.h"
 #include "support/captured_output.h"
 
@@ -81,6 +82,15 @@ TEST(ets300079, returns_the_length_of_the_data) {
     EXPECT_EQ(dump_ets300079(declared(message, 3)), 3);
     EXPECT_EQ(dump_ets300079(declared(message, 4)), 4);
     EXPECT_EQ(output.take(), "ETS 300079: SBV_Channel_Open_TC\n\nETS 300079: SBV_Channel_Open_TC\n");
+}
+
+TEST(eft_names, of_commands_results_and_reasons) {
+    EXPECT_EQ(eft_command_name(0x25).view(), "T-LOAD");
+    EXPECT_EQ(eft_command_name(0x00).view(), "");
+    EXPECT_EQ(eft_result_name(0x49).view(), "Unknown file");
+    EXPECT_FALSE(eft_result_name(0x2F));
+    EXPECT_EQ(eft_reason_name(0x22).view(), "disk full");
+    EXPECT_FALSE(eft_reason_name(0x20));
 }
 
 }  // namespace

@@ -18,15 +18,15 @@ namespace {
 
 constexpr int MODULO_8 = 7;
 
-class X25Flow : public testing::Test {
+class x25_flows : public testing::Test {
 protected:
     journal about;
     x25_flow flow;
 
-    X25Flow() { flow.known = true; }
+    x25_flows() { flow.known = true; }
 };
 
-TEST_F(X25Flow, AFullWindowThatWaitsLongStandsStill) {
+TEST_F(x25_flows, AFullWindowThatWaitsLongStandsStill) {
     take_x25_data(flow, about, {1'000, 1}, 0, MODULO_8);
     take_x25_data(flow, about, {2'000, 2}, 1, MODULO_8);
     const standstill over = take_x25_acknowledgement(flow, about, {32'000, 3}, 2, MODULO_8);
@@ -35,7 +35,7 @@ TEST_F(X25Flow, AFullWindowThatWaitsLongStandsStill) {
     EXPECT_EQ(over.window, 2);
 }
 
-TEST_F(X25Flow, AMomentIsInOrderAndSoIsAWindowWithRoom) {
+TEST_F(x25_flows, AMomentIsInOrderAndSoIsAWindowWithRoom) {
     take_x25_data(flow, about, {1'000, 1}, 0, MODULO_8);
     EXPECT_EQ(take_x25_acknowledgement(flow, about, {100'000, 2}, 1, MODULO_8).length_ms, 0U);
     take_x25_data(flow, about, {100'000, 3}, 1, MODULO_8);
@@ -43,7 +43,7 @@ TEST_F(X25Flow, AMomentIsInOrderAndSoIsAWindowWithRoom) {
     EXPECT_EQ(take_x25_acknowledgement(flow, about, {129'999, 5}, 3, MODULO_8).length_ms, 0U);
 }
 
-TEST_F(X25Flow, MorePacketsThanTheWindowAreALargerWindow) {
+TEST_F(x25_flows, MorePacketsThanTheWindowAreALargerWindow) {
     for (int ps = 6; ps < 9; ++ps) {
         flow.acknowledged = 6;
         take_x25_data(flow, about, {static_cast<std::uint32_t>(ps), 1}, ps & MODULO_8, MODULO_8);
@@ -52,7 +52,7 @@ TEST_F(X25Flow, MorePacketsThanTheWindowAreALargerWindow) {
     EXPECT_EQ(flow.stood_still.time_ms, 8U);
 }
 
-TEST_F(X25Flow, NothingIsConcludedAcrossLostRecordsOrWithoutAnAcknowledgementSeen) {
+TEST_F(x25_flows, NothingIsConcludedAcrossLostRecordsOrWithoutAnAcknowledgementSeen) {
     take_x25_data(flow, about, {1'000, 1}, 0, MODULO_8);
     take_x25_data(flow, about, {2'000, 2}, 1, MODULO_8);
     about.lost = 1;
@@ -63,7 +63,7 @@ TEST_F(X25Flow, NothingIsConcludedAcrossLostRecordsOrWithoutAnAcknowledgementSee
     EXPECT_FALSE(flow.full);
 }
 
-TEST_F(X25Flow, NotReadyCountsFromRnrToRr) {
+TEST_F(x25_flows, NotReadyCountsFromRnrToRr) {
     EXPECT_EQ(take_x25_readiness(flow, about, {1'000, 1}, false).length_ms, 0U);
     const standstill over = take_x25_readiness(flow, about, {61'000, 2}, true);
     EXPECT_EQ(over.length_ms, 60'000U);
@@ -104,7 +104,7 @@ TEST(X25CallPacket, ReadsAddressesOfOddLengthAndFacilities) {
     EXPECT_EQ(fields.window_from_calling, 5);
 }
 
-class LapbTracker : public testing::Test {
+class lapb_link : public testing::Test {
 protected:
     trouble_list troubles;
     allowance shared;
@@ -119,7 +119,7 @@ protected:
     }
 };
 
-TEST_F(LapbTracker, AFrameOutOfOrderAndOneThatComesAgainAreLeftOut) {
+TEST_F(lapb_link, AFrameOutOfOrderAndOneThatComesAgainAreLeftOut) {
     EXPECT_FALSE(arrives(true, {0x01, 0x3F}));
     EXPECT_FALSE(arrives(false, {0x01, 0x73}));
     EXPECT_TRUE(arrives(false, {0x03, 0x00, 'a'}));
@@ -129,19 +129,19 @@ TEST_F(LapbTracker, AFrameOutOfOrderAndOneThatComesAgainAreLeftOut) {
     EXPECT_FALSE(arrives(false, {0x03, 0x04, 'c'}));
 }
 
-TEST_F(LapbTracker, WhatTheOtherSideAcknowledgesWasOnlyNotSeen) {
+TEST_F(lapb_link, WhatTheOtherSideAcknowledgesWasOnlyNotSeen) {
     EXPECT_TRUE(arrives(true, {0x01, 0x00, 'a'}));
     EXPECT_TRUE(arrives(false, {0x03, 0x80, 'x'}));  // N(R) = 4: 1, 2 and 3 are not in the capture
     EXPECT_TRUE(arrives(true, {0x01, 0x28, 'e'}));
 }
 
-TEST_F(LapbTracker, BehindLostRecordsTheNextFrameCounts) {
+TEST_F(lapb_link, BehindLostRecordsTheNextFrameCounts) {
     EXPECT_TRUE(arrives(false, {0x03, 0x00, 'a'}));
     about.lost = 3;
     EXPECT_TRUE(arrives(false, {0x03, 0x06, 'd'}));
 }
 
-TEST_F(LapbTracker, CountsModulo128BehindSabme) {
+TEST_F(lapb_link, CountsModulo128BehindSabme) {
     arrives(true, {0x01, 0x7F});
     arrives(false, {0x01, 0x73});
     for (int ns = 0; ns < 130; ++ns) {
@@ -149,7 +149,7 @@ TEST_F(LapbTracker, CountsModulo128BehindSabme) {
     }
 }
 
-TEST_F(LapbTracker, WhatIsNoStationIsLeftAlone) {
+TEST_F(lapb_link, WhatIsNoStationIsLeftAlone) {
     EXPECT_FALSE(arrives(true, {0x45, 0x00, 0x00}));
     EXPECT_TRUE(tracker.links.empty());
 }

@@ -78,5 +78,13 @@ TEST(t30_bitfields, bit_67_stands_for_two_lines) {
     EXPECT_TRUE(capabilities(fif, true).ends_with("\t\tHalf-duplex operation\n\t\tFull-duplex operation\n"));
 }
 
+TEST(t30_rate_name, is_that_of_the_dcs) {
+    std::vector<std::uint8_t> fif{0x00, 0x62, 0x78};
+    EXPECT_EQ(t30_rate_name(octets_of(fif)), "14400 bit/s V.17");
+    fif[1] = 0x42;
+    EXPECT_EQ(t30_rate_name(octets_of(fif)), "2400 bit/s V.27ter");
+    EXPECT_EQ(t30_rate_name(octets_of(fif).cut(1)), "");
+}
+
 }  // namespace
 }  // namespace ifwatch

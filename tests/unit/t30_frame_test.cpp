@@ -48,5 +48,12 @@ TEST(t30_frame, an_identification_that_is_declared_and_not_held) {
     EXPECT_EQ(output.take(), "TSI(R) \"1\"\n");
 }
 
+TEST(t30_frame_name, has_no_letter_of_the_station) {
+    EXPECT_EQ(t30_frame_name(0x8C), "MCF");
+    EXPECT_EQ(t30_frame_name(0x2F), "EOP");
+    EXPECT_EQ(t30_frame_name(0x86), "RCP");
+    EXPECT_EQ(t30_frame_name(0x80), "");
+}
+
 }  // namespace
 }  // namespace ifwatch

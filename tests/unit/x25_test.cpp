@@ -13,6 +13,7 @@
 #include "x25/lapb.h"
 #include "x25/t70.h"
 #include "x25/v42bis.h"
+#include "x25/x25_cause.h"
 #include "x25/x25_facilities.h"
 #include "x25/x25_fields.h"
 #include "x25/x25_packet.h"
@@ -186,6 +187,14 @@ TEST(dump_bchannel, nests_only_so_deep) {
     context.nesting = MAX_NESTING;
     dump_bchannel(octets_of(frame), 0, context);
     EXPECT_EQ(output.take(), "");
+}
+
+TEST(x25_cause, is_the_dtes_own_with_its_top_bit_set) {
+    EXPECT_EQ(x25_cause_name(0x0D, X25_CLEARING_CAUSES).view(), "Not obtainable");
+    EXPECT_EQ(x25_cause_name(0x0D, X25_RESETTING_CAUSES).view(), "");
+    EXPECT_EQ(x25_cause_name(0xF2, X25_CLEARING_CAUSES).view(), "DTE originated");
+    EXPECT_EQ(x25_diagnostic_name(67).view(), "Invalid called DTE address");
+    EXPECT_EQ(x25_diagnostic_name(245).view(), "");
 }
 
 }  // namespace

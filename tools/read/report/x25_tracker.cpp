@@ -52,7 +52,7 @@ x25_call& begin_call(x25_tracker& tracker, const journal& about, const frame& wh
     call.channel = key.channel;
     call.sent = what.sent;
     ++state_of(tracker, key.link).lasting;
-    return tracker.calls.begin(key, *about.shared, std::move(call));
+    return tracker.calls.begin(key, *about.shared, call);
 }
 
 /// The call of a packet that only a call that stands can have. nullptr: it is over.
