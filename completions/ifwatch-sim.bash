@@ -45,7 +45,7 @@ _ifwatch_sim() {
     fi
     ((COMP_CWORD > 1)) && subcommand=${COMP_WORDS[1]}
     case $subcommand in
-        import) options=$_ifwatch_sim_import_options suffix=.pcap ;;
+        import) options=$_ifwatch_sim_import_options suffix='.pcap*' ;;
         export) options=$_ifwatch_sim_export_options ;;
     esac
     _ifwatch_sim_value "${COMP_WORDS[before]}" "$2" && return

@@ -15,10 +15,10 @@ function __ifwatch_sim_at_start
 end
 
 complete -c ifwatch-sim -f
-complete -c ifwatch-sim -n '__ifwatch_sim_at_start' -a import -d 'Make a case of a PCAP file'
+complete -c ifwatch-sim -n '__ifwatch_sim_at_start' -a import -d 'Make a case of a capture'
 complete -c ifwatch-sim -n '__ifwatch_sim_at_start' -a export -d 'Make a PCAP file of a case'
 complete -c ifwatch-sim -n 'not __ifwatch_sim_does import' -a '(__fish_complete_suffix .case)'
-complete -c ifwatch-sim -n '__ifwatch_sim_does import' -a '(__fish_complete_suffix .pcap)'
+complete -c ifwatch-sim -n '__ifwatch_sim_does import' -a '(__fish_complete_suffix .pcap .pcapng)'
 complete -c ifwatch-sim -l help -d 'Explain everything'
 
 set --local serve -n '__ifwatch_sim_does serve'

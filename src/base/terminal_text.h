@@ -1,9 +1,9 @@
+#pragma once
+
 // What a text looks like on a terminal, where the control characters in it must not act: strangers sent most of what
 // this program prints. Printable ASCII, line feeds and tabs stay as they are. Every other octet is shown as a
 // backslash, an x and its two hexadecimal digits (an escape as \x1b), those of eight bits as well: whether one of
 // these acts, and how, depends on the terminal's character set.
-
-#pragma once
 
 #include <string_view>
 

@@ -72,10 +72,11 @@ expect "$programs/ifwatch-sim -" "$(sh "$tests/support/usage_options.sh" "$progr
 expect 'ifwatch-sim --refuse=' "$(lines close reply serve)"
 expect 'ifwatch-sim --close-after c' "$(lines challenge chantype connect)"
 : >one.case
+: >trace3.pcapng
 expect 'ifwatch-sim --once one' one.case
 expect 'ifwatch-sim --port-file trace2' trace2.pcap
 expect 'ifwatch-sim im' import
-expect 'ifwatch-sim import trac' "$(lines 'trace one.pcap' trace2.pcap)"
+expect 'ifwatch-sim import trac' "$(lines 'trace one.pcap' trace2.pcap trace3.pcapng)"
 expect 'ifwatch-sim export on' one.case
 expect 'ifwatch-sim import --sent ' "$(lines all none)"
 for subcommand in import export; do
@@ -86,7 +87,6 @@ expect "$programs/ifwatch-read -" "$(sh "$tests/support/usage_options.sh" "$prog
 expect 'ifwatch-read --sent=' "$(lines all none)"
 expect 'ifwatch-read --color=a' "$(lines always auto)"
 expect 'ifwatch-read --type 1' "$(lines 1 118 131 16)"
-: >night.pcapng
-expect 'ifwatch-read -i trac' "$(lines 'trace one.pcap' trace2.pcap)"
-expect 'ifwatch-read trace2.pcap ni' night.pcapng
+expect 'ifwatch-read -i trac' "$(lines 'trace one.pcap' trace2.pcap trace3.pcapng)"
+expect 'ifwatch-read trace2.pcap trace3' trace3.pcapng
 [ "$failures" -eq 0 ]

@@ -135,6 +135,37 @@ TEST_P(samples, come_back_from_a_capture_as_they_were) {
     EXPECT_EQ(shown(import_capture(), GetParam().viewer_options), wanted) << "written by tcpdump";
 }
 
+/// The sample as ifwatch-extcap captures it: without the events of the line, but with cells and access points.
+std::string text_of_frames(const sample& wanted, std::uint32_t& start) {
+    trace_case original = read_sample(wanted);
+    std::erase_if(original.records, [&original](const sim::case_record& record) {
+        return (record.info & 0xFF) != 0 && original.channel_type != 2;
+    });
+    start = original.records.front().timestamp_ms;
+    original.interface_index = 1000;
+    return case_text(original, wanted.name);
+}
+
+TEST_P(samples, come_back_from_what_the_plugin_captured_with_all_that_they_had) {
+    std::uint32_t start = 0;
+    const std::string frames = text_of_frames(GetParam(), start);
+    const std::string file = directory.write("capture.pcapng", "");
+    const simulator router({frames});
+    const outcome captured =
+        run({.program = IFWATCH_EXTCAP_PROGRAM,
+             .arguments = {"--capture", "--extcap-interface", "ifwatch", "--fifo", file, "--host", "127.0.0.1",
+                           "--port", std::to_string(router.port()), "--interface", INTERFACE},
+             .environment = {{"TRACE_PWD", "admin"}},
+             .timeout = PATIENCE});
+    ASSERT_EQ(captured.status, 0) << captured.errors;
+    const outcome imported = run({.program = IFWATCH_SIM_PROGRAM,
+                                  .arguments = {"import", "-", "--start", std::to_string(start), "-i", INTERFACE},
+                                  .input = text_of(file)});
+    EXPECT_EQ(imported.errors, "");
+    EXPECT_TRUE(imported.output.starts_with("# standard input: link type ")) << imported.output.substr(0, 100);
+    EXPECT_EQ(shown(imported.output, GetParam().viewer_options), shown(frames, GetParam().viewer_options));
+}
+
 const sample SAMPLES[] = {
     {"isdn-call", {"-2", "-3"}, {}, {}},
     {"ppp-dialin", {"-p", "-i"}, {}, {}},

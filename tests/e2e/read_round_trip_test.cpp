@@ -128,6 +128,21 @@ TEST_P(round_trip, of_classic_pcap_has_the_frames_and_their_times) {
     }
 }
 
+TEST(sample_captures, show_what_their_cases_show) {
+    const std::string samples = std::string(SAMPLES_DIRECTORY) + "/";
+    const std::vector<std::pair<std::string, std::vector<std::string>>> captures = {
+        {"isdn-call.pcapng", {"-2", "-3"}}, {"lan-session.pcap", {"-2", "-i", "--sent", "02:00:01:01:02:03"}}};
+    for (const auto& [file, options] : captures) {
+        std::string text;
+        ASSERT_TRUE(read_file(samples + file.substr(0, file.find('.')) + ".case", text));
+        const simulator router({text});
+        const std::vector<std::string> decoders = {options[0], options[1]};
+        const outcome live = router.watch(decoders, {file.starts_with("isdn") ? "2100" : "1000"});
+        EXPECT_EQ(live.status, 0) << live.errors;
+        EXPECT_EQ(run({IFWATCH_READ_PROGRAM, joined(options, {samples + file})}).output, live.output) << file;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(samples, round_trip, testing::ValuesIn(all_samples()), [](const auto& sample) {
     std::string name = sample.param;
     std::ranges::replace(name, '-', '_');

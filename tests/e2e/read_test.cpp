@@ -335,7 +335,7 @@ TEST(read, packets_that_end_in_their_link_header_are_counted) {
     file.header(177).packet(1, 0, octet_list(15)).packet(2, 0, octet_list(19, 1));
     const outcome got = read_input(file.text(), {"-v"});
     EXPECT_EQ(got.status, 0);
-    EXPECT_THAT(got.errors, HasSubstr("packet 1 at offset 24: 15 octets, but the header of link type 177 has 16\n"));
+    EXPECT_THAT(got.errors, HasSubstr("ifwatch-read: packet 1 at offset 24: 15 octets, but the header of link type 177 has 16\n"));
     EXPECT_THAT(got.errors, EndsWith("1 packet shown, 1 too short for the header of the link type\n"));
 }
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "display_check.h"
-#include "sim/capture.h"
+#include "sim/capture_export.h"
 #include "sim/case_file.h"
 #include "sim/case_text.h"
 

@@ -12,10 +12,11 @@
 #include <vector>
 
 #include "base/print.h"
-#include "sim/capture.h"
+#include "sim/capture_export.h"
 #include "sim/case_file.h"
 #include "sim/record_source.h"
 #include "support/case_options.h"
+#include "support/written_capture.h"
 #include "trace/auth.h"
 #include "trace/element.h"
 #include "trace/record_stream.h"
@@ -147,12 +148,26 @@ bool write_case_seeds(const seed_place& place, const trace_case& trace) {
     return written;
 }
 
-/// A PCAP file behind the octet that pcap_import_fuzz reads; empty for a case that has no link type.
+/// A PCAP file behind the octet that pcap_fuzz and pcap_import_fuzz read; empty for a case that has no link type.
 std::string capture_seed(const trace_case& trace) {
     std::vector<std::uint8_t> file{0};
     std::size_t left_out = 0;
     std::string error;
     return export_capture(trace, {}, file, left_out, error) ? std::string(file.begin(), file.end()) : std::string();
+}
+
+/// A pcapng file as ifwatch-extcap writes it, behind the octet that pcap_import_fuzz reads.
+std::string pcapng_seed(const trace_case& trace) {
+    const capture::link_layer link = capture::find_link_layer(trace.channel_type, {capture::LINK_PPP});
+    std::string seed(1, '\0');
+    append(seed, test::written_capture(trace, link).file);
+    return seed;
+}
+
+/// The same for pcapng_fuzz, which puts the type of the first block in front itself.
+std::string pcapng_reader_seed(const trace_case& trace) {
+    constexpr std::size_t block_type = 4;
+    return pcapng_seed(trace).erase(1, block_type);
 }
 
 bool write_seeds(const std::filesystem::path& directory, const std::filesystem::path& path) {
@@ -167,7 +182,11 @@ bool write_seeds(const std::filesystem::path& directory, const std::filesystem::
     text << std::ifstream(path, std::ios::binary).rdbuf();
     return write_seed(place, "case_file_fuzz", text.str()) &&
            write_seed(place, "element_fuzz", daemon_octets(trace, 3)) &&
-           write_seed(place, "pcap_import_fuzz", capture_seed(trace)) && write_case_seeds(place, trace);
+           write_seed(place, "pcap_fuzz", capture_seed(trace)) &&
+           write_seed(place, "pcapng_fuzz", pcapng_reader_seed(trace)) &&
+           write_seed(place, "pcap_import_fuzz", capture_seed(trace)) &&
+           write_seed({directory, place.name + "-ng"}, "pcap_import_fuzz", pcapng_seed(trace)) &&
+           write_case_seeds(place, trace);
 }
 
 /// What no case has in its options lines.

@@ -87,7 +87,7 @@ for file in bin/ifwatch bin/ifwatch-read bin/ifwatch-sim share/man/man1/ifwatch.
     share/doc/ifwatch/README.md; do
     [ -s "$root/usr/$file" ] || fail "the package has no $file"
 done
-for sample in "$tests"/../samples/*.case; do
+for sample in "$tests"/../samples/*; do
     cmp "$sample" "$root/usr/share/ifwatch/samples/${sample##*/}" || fail "a sample is not what it was"
 done
 

@@ -36,7 +36,7 @@ query() { rpm --dbpath "$scratch/db" "$@"; }
         echo /usr/share/man/man1/ifwatch-extcap.1.gz
         echo /usr/lib64/wireshark/extcap/ifwatch-extcap
     fi
-    for file in "$source"/samples/*.case; do
+    for file in "$source"/samples/*; do
         echo "/usr/share/ifwatch/samples/${file##*/}"
     done
     for file in README.md SECURITY.md CHANGELOG.md; do

@@ -1,6 +1,7 @@
 // Reads captures damaged: every case as classic PCAP and as pcapng, cut at every length, and with each octet in turn
 // set to a few values. Built with the address and undefined-behaviour sanitizers; beside them, what is shown of a cut
-// capture has to be the beginning of what is shown of the whole. Usage: capture_replay CASE...
+// capture has to be the beginning of what is shown of one that is longer. Usage: capture_replay CASE...
+// or, for captures of somebody else's, which are shown as they are: capture_replay CAPTURE...
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -20,6 +21,7 @@
 #include "read/viewer.h"
 #include "sim/capture_export.h"
 #include "sim/case_file.h"
+#include "sim/input_file.h"
 #include "support/case_options.h"
 
 namespace {
@@ -30,10 +32,14 @@ using octet_list = std::vector<std::uint8_t>;
 
 constexpr std::array<std::uint8_t, 2> PLANTED = {0x00, 0xFF};
 
-std::string printed;  // NOLINT(*-avoid-non-const-global-variables,cert-err58-cpp): the writer below has no other place
+// NOLINTBEGIN(*-avoid-non-const-global-variables,cert-err58-cpp): the writer below has no other place for it
+std::string printed;
+std::size_t all_printed = 0;
+// NOLINTEND(*-avoid-non-const-global-variables,cert-err58-cpp)
 
 long keep_output(const char* data, std::size_t length) {
     printed.append(data, length);
+    all_printed += length;
     return static_cast<long>(length);
 }
 
@@ -62,16 +68,26 @@ class capture_replay {
 public:
     capture_replay(std::string name, const sim::trace_case& trace) : name_(std::move(name)) {
         options_.decoders.mode_flags = trace.options.empty() ? 0 : test::mode_flags_of(trace.options.front());
-        options_.channel_type = trace.channel_type;
+        if (!trace.path.empty()) {
+            options_.channel_type = trace.channel_type;
+        }
+    }
+
+    /// The capture as it is.
+    std::size_t whole(const octet_list& octets) {
+        show(octets);
+        return 1;
     }
 
     /// The capture in all its damaged forms; how many those were, 0 behind a message when one was shown wrongly.
     std::size_t damage(octet_list octets) {
-        const std::string whole = show(octets);
-        for (std::size_t length = 0; length < octets.size(); ++length) {
-            if (!whole.starts_with(show(std::span(octets).first(length)))) {
-                return complain("what is shown does not begin the whole", length);
+        std::string shorter;
+        for (std::size_t length = 0; length <= octets.size(); ++length) {
+            std::string shown = show(std::span(octets).first(length));
+            if (!shown.starts_with(shorter)) {
+                return complain("less is shown than of one that is shorter", length);
             }
+            shorter = std::move(shown);
         }
         for (std::uint8_t& octet : octets) {
             const std::uint8_t kept = octet;
@@ -133,7 +149,26 @@ octet_list pcapng_of(const sim::trace_case& trace) {
     return file;
 }
 
+/// A capture as it is; all decoders are on.
+bool replay_capture(const std::string& path, std::size_t& read) {
+    std::string text;
+    std::string error;
+    if (!sim::read_input(path, text, error)) {
+        static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
+        return false;
+    }
+    sim::trace_case all;
+    all.options = {"-h -! -2 -3 -p -i -N -t"};
+    capture_replay replay(path, all);
+    const octet_list octets(text.begin(), text.end());
+    read += replay.whole(octets);
+    return true;
+}
+
 bool replay(const std::string& path, std::size_t& read) {
+    if (!path.ends_with(".case")) {
+        return replay_capture(path, read);
+    }
     sim::trace_case trace;
     std::string error;
     octet_list pcap;
@@ -159,6 +194,6 @@ int main(int argc, char** argv) {
     for (const std::string path : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
         held = replay(path, read) && held;
     }
-    static_cast<void>(std::fprintf(stderr, "%zu damaged captures read\n", read));
-    return held ? 0 : 1;
+    static_cast<void>(std::fprintf(stderr, "%zu captures read, %zu characters shown\n", read, all_printed));
+    return held && all_printed != 0 ? 0 : 1;
 }

@@ -14,8 +14,9 @@ namespace ifwatch::test {
 class octet_file {
 public:
     explicit octet_file(std::span<const std::uint8_t> octets) : file_(std::tmpfile()) {
-        if (file_ == nullptr || std::fwrite(octets.data(), 1, octets.size(), file_) != octets.size() ||
-            std::fflush(file_) != 0) {
+        const bool filled =
+            file_ != nullptr && (octets.empty() || std::fwrite(octets.data(), octets.size(), 1, file_) == 1);
+        if (!filled || std::fflush(file_) != 0) {
             throw std::runtime_error("no temporary file");
         }
         rewind();

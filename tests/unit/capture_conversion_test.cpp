@@ -2,11 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "capture/link_types.h"
+#include "capture/own_capture.h"
 #include "sim/capture_export.h"
 #include "sim/case_text.h"
 #include "support/octet_file.h"
 #include "support/pcap_octets.h"
+#include "support/pcapng_octets.h"
 
 namespace ifwatch::sim {
 namespace {
@@ -15,6 +19,7 @@ using namespace capture;
 
 using octet_vector = std::vector<std::uint8_t>;
 using test::pcap_octets;
+using test::pcapng_octets;
 
 /// An Ethernet frame from 02:00:01:01:02:03 that carries IP from 192.0.2.1.
 const octet_vector FRAME = {0x02, 0x00, 0x02, 0x05, 0x0A, 0x10, 0x02, 0x00, 0x01, 0x01, 0x02, 0x03,
@@ -199,6 +204,96 @@ TEST(import_capture, a_packet_shorter_than_its_header_is_named) {
     EXPECT_EQ(import_error(pcap_octets().header(204).packet(0, 0, {})),
               "packet 1 at offset 24: 0 octets, but the header of link type 204 has 1");
     EXPECT_TRUE(imported_packet(1, {}).data.empty());
+}
+
+constexpr std::array<std::uint8_t, 3> UA = {0x02, 0x01, 0x7F};
+
+/// A pcapng file whose interfaces have these link types, and the comments of ifwatch-extcap where there is a type.
+pcapng_octets begun(std::initializer_list<std::pair<std::uint16_t, std::optional<int>>> interfaces) {
+    pcapng_octets file;
+    file.section();
+    for (const auto& [link_type, noted] : interfaces) {
+        const std::string comment = noted ? interface_type_comment(*noted) : "";
+        file.interface(link_type, 1, octet_vector(comment.begin(), comment.end()));
+    }
+    return file;
+}
+
+TEST(import_capture, pcapng_tells_directions_and_what_was_lost) {
+    pcapng_octets file = begun({{203, {}}});
+    file.block(6, file.packet_body(0, 5'000'000, UA).word_option(2, 2));
+    file.block(6, file.packet_body(0, 5'001'000, UA).word_option(2, 1).long_option(4, 2));
+    const imported_text got(file.octets(), {.start_ms = 7});
+    ASSERT_TRUE(got.outcome.done) << got.outcome.error;
+    EXPECT_EQ(got.text,
+              "# x: link type 203 (LAPD)\nchannel 0\noptions -2 -3\n"
+              "record X 7\n  02 01 7F\n"
+              "record R 8 sequence=4\n  02 01 7F\n"
+              "# 2 packets\n");
+}
+
+TEST(import_capture, what_ifwatch_extcap_wrote_keeps_its_sequence_numbers) {
+    pcapng_octets file = begun({{203, 0}});
+    file.block(6, file.packet_body(0, 5'000'000, UA).long_option(5, 0x0000'0401'0000'0010));
+    EXPECT_EQ(imported_text(file.octets(), {}).text,
+              "# x: link type 203 (LAPD)\nchannel 0\noptions -2 -3\n"
+              "record X 0 sequence=16 info=0x00000004\n  02 01 7F\n"
+              "# 1 packet\n");
+}
+
+TEST(import_capture, interfaces_of_one_channel_type_are_one_case) {
+    pcapng_octets file = begun({{203, {}}, {177, {}}});
+    file.packet(0, 0, UA).packet(1, 0, octet_vector(17));
+    const imported_text got(file.octets(), {});
+    EXPECT_TRUE(got.outcome.done) << got.outcome.error;
+    EXPECT_EQ(got.outcome.packets, 2U);
+    EXPECT_EQ(got.outcome.left_out, 0U);
+}
+
+TEST(import_capture, packets_of_several_channel_types_are_named) {
+    pcapng_octets file = begun({{1, {}}, {203, {}}, {147, {}}});
+    file.packet(0, 0, FRAME).packet(1, 0, UA);
+    EXPECT_EQ(imported_text(file.octets(), {}).outcome.error,
+              "packet 2 at offset 180: it is of channel type 0 (ISDN D-channel), those before it of 6 (LAN); a case is "
+              "one interface: split the capture first");
+    EXPECT_TRUE(imported_text(file.octets(), {.channel_type = 0}).outcome.done) << "both as that type";
+    pcapng_octets unknown = begun({{1, {}}, {147, {}}});
+    unknown.packet(0, 0, FRAME).packet(1, 0, UA);
+    EXPECT_EQ(imported_text(unknown.octets(), {}).outcome.error,
+              "link type 147 fits no channel type; name one with --channel");
+}
+
+TEST(import_capture, one_interface_of_what_ifwatch_extcap_wrote_can_be_named) {
+    pcapng_octets file = begun({{1, 6}, {203, 0}});
+    file.packet(0, 0, FRAME).packet(1, 0, UA).packet(0, 0, FRAME);
+    const imported_text lan(file.octets(), {.channel_type = 6});
+    EXPECT_EQ(lan.outcome.packets, 3U);
+    EXPECT_EQ(lan.outcome.left_out, 1U);
+    const imported_text line(file.octets(), {.channel_type = 0});
+    ASSERT_TRUE(line.outcome.done) << line.outcome.error;
+    EXPECT_EQ(line.outcome.left_out, 2U);
+    EXPECT_EQ(line.text, "# x: link type 203 (LAPD)\nchannel 0\noptions -2 -3\nrecord R 0\n  02 01 7F\n# 3 packets\n");
+    EXPECT_TRUE(imported_text(file.octets(), {}).outcome.error.ends_with("; name the one of the case with --channel"));
+    EXPECT_EQ(imported_text(file.octets(), {.channel_type = 1}).text,
+              "# x: link type 1 (Ethernet)\nchannel 1\noptions -p -i\n# 3 packets\n")
+        << "none is of that type";
+}
+
+TEST(import_capture, stops_when_its_text_cannot_be_written) {
+    const test::octet_file input(pcap_octets().header(1).packet(0, 0, FRAME).octets());
+    byte_stream stream(input.fd());
+    const import_outcome outcome = import_capture(stream, {}, "x", [](std::string_view) { return false; });
+    EXPECT_FALSE(outcome.done);
+    EXPECT_FALSE(outcome.written);
+    EXPECT_EQ(outcome.error, "");
+}
+
+TEST(export_capture, refuses_link_types_that_are_only_read) {
+    octet_vector file;
+    std::size_t left_out = 0;
+    std::string error;
+    EXPECT_FALSE(export_capture(case_of(6, {}), 113, file, left_out, error));
+    EXPECT_EQ(error, "link type 113 (Linux cooked) is only read; name another one with --link-type");
 }
 
 TEST(export_capture, writes_the_link_type_that_tells_the_direction) {

@@ -65,7 +65,7 @@ TEST(Remembered, NeverHoldsMoreThanItsBoundAndGivesUpWhatIsOverFirst) {
     EXPECT_EQ(calls.size(), memory::MOST);
     EXPECT_EQ(calls.forgotten(), 1U);
     EXPECT_NE(calls.find(0), nullptr);
-    EXPECT_TRUE(calls.ended_lately(100));  // its key is still known
+    EXPECT_TRUE(calls.ended_lately(100));                       // its key is still known
     calls.begin(most + 1, shared, {{1'000'001, 0}, most + 1});  // nothing is over any more: the oldest goes
     EXPECT_EQ(calls.size(), memory::MOST);
     EXPECT_EQ(calls.find(0), nullptr);
@@ -130,6 +130,13 @@ TEST(Page, ForeignTextCannotActOrRunOn) {
     EXPECT_EQ(foreign_name(std::string(40, 'a')), std::string(40, 'a'));
     EXPECT_EQ(foreign_name(std::string(41, 'a')), std::string(40, 'a') + "...");
     EXPECT_EQ(foreign_name(std::string(5000, '\x01')).size(), 4 * 40 + 3U);
+}
+
+TEST(TroubleList, BreaksALongLine) {
+    trouble_list troubles;
+    troubles.add({1000, 1}, "2100", std::string(60, 'a') + " " + std::string(40, 'b') + " c");
+    EXPECT_EQ(lines_of(troubles),
+              "  1.000 #1 2100: " + std::string(60, 'a') + "\n      " + std::string(40, 'b') + " c\n");
 }
 
 TEST(Page, ShortTextKeepsItsFirstOctetsAndTellsThatThereWereMore) {
@@ -318,9 +325,7 @@ TEST(ReportRun, WithoutDirectionsTheRouterIsNotNamed) {
     fed.take(line, setup(7), false);
     fed.take(line, {0x02, 0x81, 0x00, 0x00, 0x08, 0x02, 0x80, 0x07, 0x5A, 0x08, 0x02, 0x82, 0x81}, false);
     const std::string page = fed.page();
-    EXPECT_NE(page.find("ISDN D-channel: the call to 12 was refused by the called side: Unallocated"),
-              std::string::npos)
-        << page;
+    EXPECT_NE(page.find("ISDN D-channel: the call to 12 was refused by the called side:"), std::string::npos) << page;
     EXPECT_EQ(page.find("router"), std::string::npos) << page;
 }
 

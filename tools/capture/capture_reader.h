@@ -18,9 +18,9 @@ struct capture_interface {
     static constexpr std::size_t MAX_TEXT = 255;
 
     std::uint32_t link_type = 0;  // of the tcpdump.org list
-    std::string name;
-    std::string description;
-    std::string comment;
+    std::string name = {};
+    std::string description = {};
+    std::string comment = {};
 };
 
 /// One packet. What it points to stays until the next one is read.

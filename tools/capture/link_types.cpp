@@ -17,28 +17,28 @@ constexpr const char* HEX_OPTIONS = "-h";
 // decoder: IP is found behind either header. Frames of several kinds of lines, which Linux captures together, are shown
 // as Ethernet, whose header has all that theirs tells.
 constexpr link_kind LINK_KINDS[] = {
-    {1, "Ethernet", link_header::NONE, CHANNEL_LAN, LAN_OPTIONS},
-    {6, "Token Ring", link_header::NONE, CHANNEL_TOKEN_RING, LAN_OPTIONS},
-    {177, "LAPD with direction", link_header::LINUX_LAPD, CHANNEL_D, "-2 -3"},
-    {203, "LAPD", link_header::NONE, CHANNEL_D, "-2 -3"},
-    {204, "PPP with direction", link_header::DIRECTION, CHANNEL_B, PPP_OPTIONS},
-    {9, "PPP", link_header::NONE, CHANNEL_B, PPP_OPTIONS},
-    {50, "PPP in HDLC framing", link_header::NONE, CHANNEL_B, PPP_OPTIONS},
-    {207, "LAPB with direction", link_header::DIRECTION, CHANNEL_B, "-2 -3 -t"},
-    {206, "Frame Relay with direction", link_header::DIRECTION, CHANNEL_B, "-i -h"},
-    {107, "Frame Relay", link_header::NONE, CHANNEL_B, "-i -h"},
-    {205, "Cisco HDLC with direction", link_header::DIRECTION, CHANNEL_B, "-i -h"},
-    {104, "Cisco HDLC", link_header::NONE, CHANNEL_B, "-i -h"},
-    {123, "ATM with VPI and VCI", link_header::SUNATM, CHANNEL_ATM, LAN_OPTIONS},
-    {100, "ATM, RFC 1483", link_header::NONE, CHANNEL_ATM, LAN_OPTIONS},
-    {11, "ATM, RFC 1483", link_header::NONE, CHANNEL_ATM, LAN_OPTIONS},  // as some systems number it
-    {101, "IP", link_header::NONE, CHANNEL_TUNNEL, "-i"},
-    {228, "IPv4", link_header::NONE, CHANNEL_TUNNEL, "-i"},
-    {12, "IP", link_header::NONE, CHANNEL_TUNNEL, "-i"},  // as some systems number it
-    {14, "IP", link_header::NONE, CHANNEL_TUNNEL, "-i"},
-    {113, "Linux cooked", link_header::LINUX_COOKED, CHANNEL_LAN, LAN_OPTIONS},
-    {276, "Linux cooked, version 2", link_header::LINUX_COOKED_2, CHANNEL_LAN, LAN_OPTIONS},
-    {252, "exported PDUs", link_header::EXPORTED_PDU, std::nullopt, HEX_OPTIONS},
+    {1, link_header::NONE, "Ethernet", CHANNEL_LAN, LAN_OPTIONS},
+    {6, link_header::NONE, "Token Ring", CHANNEL_TOKEN_RING, LAN_OPTIONS},
+    {177, link_header::LINUX_LAPD, "LAPD with direction", CHANNEL_D, "-2 -3"},
+    {203, link_header::NONE, "LAPD", CHANNEL_D, "-2 -3"},
+    {204, link_header::DIRECTION, "PPP with direction", CHANNEL_B, PPP_OPTIONS},
+    {9, link_header::NONE, "PPP", CHANNEL_B, PPP_OPTIONS},
+    {50, link_header::NONE, "PPP in HDLC framing", CHANNEL_B, PPP_OPTIONS},
+    {207, link_header::DIRECTION, "LAPB with direction", CHANNEL_B, "-2 -3 -t"},
+    {206, link_header::DIRECTION, "Frame Relay with direction", CHANNEL_B, "-i -h"},
+    {107, link_header::NONE, "Frame Relay", CHANNEL_B, "-i -h"},
+    {205, link_header::DIRECTION, "Cisco HDLC with direction", CHANNEL_B, "-i -h"},
+    {104, link_header::NONE, "Cisco HDLC", CHANNEL_B, "-i -h"},
+    {123, link_header::SUNATM, "ATM with VPI and VCI", CHANNEL_ATM, LAN_OPTIONS},
+    {100, link_header::NONE, "ATM, RFC 1483", CHANNEL_ATM, LAN_OPTIONS},
+    {11, link_header::NONE, "ATM, RFC 1483", CHANNEL_ATM, LAN_OPTIONS},  // as some systems number it
+    {101, link_header::NONE, "IP", CHANNEL_TUNNEL, "-i"},
+    {228, link_header::NONE, "IPv4", CHANNEL_TUNNEL, "-i"},
+    {12, link_header::NONE, "IP", CHANNEL_TUNNEL, "-i"},  // as some systems number it
+    {14, link_header::NONE, "IP", CHANNEL_TUNNEL, "-i"},
+    {113, link_header::LINUX_COOKED, "Linux cooked", CHANNEL_LAN, LAN_OPTIONS},
+    {276, link_header::LINUX_COOKED_2, "Linux cooked, version 2", CHANNEL_LAN, LAN_OPTIONS},
+    {252, link_header::EXPORTED_PDU, "exported PDUs", std::nullopt, HEX_OPTIONS},
 };
 
 /// What the frames of an interface are written as: to classic PCAP and to pcapng.

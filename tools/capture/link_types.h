@@ -38,8 +38,8 @@ enum class link_header : std::uint8_t {
 /// A link type of the tcpdump.org list, and the interface of the router that carries such frames.
 struct link_kind {
     std::uint32_t link_type;
-    const char* name;
     link_header header;
+    const char* name;
     std::optional<int> channel_type;  // nothing: the packets of it may be any
     const char* viewer_options;       // that show every layer of it
 };

@@ -37,10 +37,10 @@ struct packet_source {
 /// without a time as with that before it.
 struct record_clock {
     std::uint32_t start_ms = 0;
-    bool keeps_routers_own = true;           // false: those count from the first packet, too
-    std::optional<std::int64_t> first_ns;    // of the first packet that had a time
-    bool routers_own = false;                // what the first packet was found to have
-    std::optional<std::uint32_t> latest_ms;  // what at() gave last
+    bool keeps_routers_own = true;                // false: those count from the first packet, too
+    std::optional<std::int64_t> first_ns = {};    // of the first packet that had a time
+    bool routers_own = false;                     // what the first packet was found to have
+    std::optional<std::uint32_t> latest_ms = {};  // what at() gave last
 
     [[nodiscard]] std::uint32_t at(const captured_packet& packet);
 };

@@ -1,6 +1,8 @@
 #include "capture/pcapng_time.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <limits>
 
 namespace ifwatch::capture {
@@ -18,14 +20,19 @@ struct time_parts {
     std::uint64_t ns = 0;  // less than a second
 };
 
+constexpr int LARGEST_POWER = 19;  // of 10, in 64 bits
+
+constexpr auto POWERS_OF_TEN = [] {
+    std::array<std::uint64_t, LARGEST_POWER + 1> powers{1};
+    for (std::size_t i = 1; i < powers.size(); ++i) {
+        powers[i] = powers[i - 1] * 10;
+    }
+    return powers;
+}();
+
 /// 10^power, or 0 where 64 bits cannot hold it.
 std::uint64_t power_of_ten(int power) {
-    constexpr int largest = 19;
-    std::uint64_t value = power <= largest ? 1 : 0;
-    for (int i = 0; i < power && value != 0; ++i) {
-        value *= 10;
-    }
-    return value;
+    return power <= LARGEST_POWER ? POWERS_OF_TEN[static_cast<std::size_t>(power)] : 0;
 }
 
 time_parts decimal(std::uint64_t units, int power) {

@@ -14,10 +14,10 @@ function complain(text) {
 }
 
 # Captures the interface INDEX of the router into INDEX.pcapng, for a command that reads it.
-function capture(index_, made) {
-    made = build "/ifwatch-extcap --capture --extcap-interface ifwatch --host 127.0.0.1 --port " port \
-        " --interface " index_ " --router-time --fifo " captures "/" index_ ".pcapng"
-    if (system(made " >&2") != 0) complain("cannot capture " index_)
+function capture(index_, file) {
+    file = captures "/" index_ ".pcapng"
+    if (system(": >" file " && " build "/ifwatch-extcap --capture --extcap-interface ifwatch --host 127.0.0.1 --port " \
+        port " --interface " index_ " --router-time --fifo " file " >&2") != 0) complain("cannot capture " index_)
 }
 
 # Runs a command and keeps what a terminal would show: line[], and the record of each in part[]: 0 before the first,

@@ -50,24 +50,26 @@ line_kind find_line_kind(std::string_view beginning) {
     return beginning.starts_with("=== ") ? line_kind::INTERFACE : line_kind::OTHER;
 }
 
-void line_colors::begin_line(text_sink& out, std::string_view beginning) {
-    kind_ = find_line_kind(beginning);
+/// Puts what was held back of the line, now that its kind is known.
+void line_colors::begin_line(text_sink& out) {
+    kind_ = find_line_kind(held());
     in_line_ = true;
     ifwatch::put(out, COLORS[static_cast<std::size_t>(kind_)]);
+    put_terminal_text(out, held());
+    held_length_ = 0;
 }
 
 /// A part of one line, without its end.
 void line_colors::put_line_part(text_sink& out, std::string_view part) {
     if (!in_line_) {
-        const std::size_t room = LINE_KIND_LENGTH - held_.used;
-        ifwatch::put(held_, part.substr(0, room));
-        if (part.size() < room) {
+        const std::size_t taken = std::min(part.size(), LINE_KIND_LENGTH - held_length_);
+        std::copy_n(part.begin(), taken, &held_[held_length_]);
+        held_length_ += taken;
+        part.remove_prefix(taken);
+        if (held_length_ < LINE_KIND_LENGTH) {
             return;
         }
-        part.remove_prefix(room);
-        begin_line(out, held_.text());
-        put_terminal_text(out, held_.text());
-        held_.used = 0;
+        begin_line(out);
     }
     put_terminal_text(out, part);
 }
@@ -87,9 +89,7 @@ void line_colors::put(text_sink& out, std::string_view text) {
 
 void line_colors::finish(text_sink& out) {
     if (!in_line_) {
-        begin_line(out, held_.text());
-        put_terminal_text(out, held_.text());
-        held_.used = 0;
+        begin_line(out);
     }
     if (kind_ != line_kind::OTHER) {
         ifwatch::put(out, PLAIN);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -26,10 +28,13 @@ public:
 
 private:
     void put_line_part(text_sink& out, std::string_view part);
-    void begin_line(text_sink& out, std::string_view beginning);
+    void begin_line(text_sink& out);
 
-    text_buffer<LINE_KIND_LENGTH> held_;  // of a line whose kind is not known yet
-    bool in_line_ = false;                // its kind is known
+    [[nodiscard]] std::string_view held() const { return {held_.data(), held_length_}; }
+
+    std::array<char, LINE_KIND_LENGTH> held_{};  // of a line whose kind is not known yet
+    std::size_t held_length_ = 0;
+    bool in_line_ = false;  // its kind is known
     line_kind kind_ = line_kind::OTHER;
 };
 

@@ -115,8 +115,8 @@ bool set_color(const std::string& text, read_options& options) {
     return true;
 }
 
-std::string wrong_argument(const char* name, const char* takes) {
-    return std::string("--") + name + " takes " + takes + ", not " + quoted(optarg);
+std::string wrong_argument(const char* name, const char* takes, const std::string& argument) {
+    return std::string("--") + name + " takes " + takes + ", not " + quoted(sim::on_one_line(argument));
 }
 
 /// Takes one option. The problem with it, if there is one.
@@ -127,11 +127,11 @@ std::string take_option(int key, read_options& options) {
     } else if (key == OPTION_REPORT) {
         options.report = true;
     } else if (key == OPTION_TYPE && !set_type(argument, options)) {
-        return wrong_argument("type", "the code of an interface type");
+        return wrong_argument("type", "the code of an interface type", argument);
     } else if (key == OPTION_SENT && !set_sent(argument, options)) {
-        return wrong_argument("sent", "none, all, a MAC address or an IPv4 address");
+        return wrong_argument("sent", "none, all, a MAC address or an IPv4 address", argument);
     } else if (key == OPTION_COLOR && !set_color(argument, options)) {
-        return wrong_argument("color", "auto, always or never");
+        return wrong_argument("color", "auto, always or never", argument);
     } else if (const foreign_option* const foreign = find_foreign(key)) {
         return dashed(foreign->name) + " " + foreign->reason;
     } else {

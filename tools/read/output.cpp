@@ -4,6 +4,7 @@
 
 #include "base/descriptor_buffer.h"
 #include "base/print.h"
+#include "base/program_name.h"
 #include "base/terminal_text.h"
 #include "read/line_colors.h"
 #include "read/progress.h"
@@ -39,6 +40,11 @@ void start_output(bool colored) {
     } else if (output_is_terminal()) {
         set_output_writer(write_plain);
     }
+}
+
+void say(const std::string& text) {
+    erase_progress();
+    report<"%s: %s\n">(program_name(), text);
 }
 
 }  // namespace ifwatch::read

@@ -18,8 +18,8 @@ constexpr auto FIRST = std::chrono::seconds(1);
 constexpr auto INTERVAL = std::chrono::milliseconds(100);
 
 struct progress_line {
-    std::uint64_t octets = 0;  // 0: none is wanted
-    steady_clock::time_point next;
+    std::uint64_t octets = 0;    // 0: none is wanted
+    steady_clock::rep next = 0;  // when it is shown
     bool shown = false;
 };
 
@@ -31,17 +31,19 @@ void write_line(std::string_view text) { static_cast<void>(write_whole(STDERR_FI
 
 }  // namespace
 
-void start_progress(std::uint64_t octets) { line = {.octets = octets, .next = steady_clock::now() + FIRST}; }
+void start_progress(std::uint64_t octets) {
+    line = {.octets = octets, .next = (steady_clock::now() + FIRST).time_since_epoch().count()};
+}
 
 void show_progress(std::uint64_t octets_read, std::uint64_t packets) {
     if (line.octets == 0) {
         return;
     }
     const auto now = steady_clock::now();
-    if (now < line.next) {
+    if (now.time_since_epoch().count() < line.next) {
         return;
     }
-    line.next = now + INTERVAL;
+    line.next = (now + INTERVAL).time_since_epoch().count();
     const auto percent = std::min<std::uint64_t>(octets_read / (line.octets / 100 + 1), 100);
     text_buffer<80> text;
     print_to<"\r%3d %% read, %lu packets\x1b[K">(text, percent, packets);

@@ -1,7 +1,7 @@
 #include "read/records.h"
 
-#include "base/print.h"
 #include "base/verbose.h"
+#include "read/output.h"
 
 namespace ifwatch::read {
 
@@ -41,7 +41,7 @@ traced_line* capture_records::next() {
         if (!make_packet_record(packet_, *from.source, options_.sent, clock_, *data_, record_)) {
             counts_.add_too_short();
             if (verbose_level > 0) {
-                report<"%s\n">(capture::short_packet_text(packet_, from.link_type));
+                say(capture::short_packet_text(packet_, from.link_type));
             }
             continue;
         }

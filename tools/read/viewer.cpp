@@ -3,9 +3,9 @@
 #include <chrono>
 
 #include "base/print.h"
-#include "base/program_name.h"
 #include "display/record_display.h"
 #include "read/interrupt.h"
+#include "read/output.h"
 #include "read/progress.h"
 #include "read/records.h"
 #include "sim/text_parts.h"
@@ -101,7 +101,6 @@ private:
     void tell_date() {
         const capture::record_clock& clock = records_.clock();
         if (!date_told_ && clock.first_ns && !clock.routers_own) {
-            erase_progress();
             say(file_.name + ": 000000.000 is " + date_text(*clock.first_ns));
         }
         date_told_ = date_told_ || clock.first_ns.has_value();
@@ -133,7 +132,5 @@ bool show_capture(const open_capture& file, const std::string& title, const read
                   capture_report* report) {
     return capture_view(file, title, options, counts, report).show();
 }
-
-void say(const std::string& text) { report<"%s: %s\n">(program_name(), text); }
 
 }  // namespace ifwatch::read

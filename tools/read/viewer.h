@@ -17,7 +17,4 @@ namespace ifwatch::read {
 bool show_capture(const open_capture& file, const std::string& title, const read_options& options, shown_counts& counts,
                   capture_report* report = nullptr);
 
-/// One line on the error stream, which begins with the program's name.
-void say(const std::string& text);
-
 }  // namespace ifwatch::read

@@ -23,20 +23,22 @@ std::string title_of(std::string_view name, std::uint32_t link_type, const captu
 
 class capture_import {
 public:
-    capture_import(capture::byte_stream& stream, const import_settings& settings, const text_part_writer& write)
-        : reader_(stream), settings_(settings), write_(write) {
+    capture_import(capture::byte_stream& stream, const import_settings& settings, std::string_view name,
+                   const text_part_writer& write)
+        : reader_(stream), settings_(settings), name_(name), write_(write) {
         clock_.start_ms = settings.start_ms;
         clock_.keeps_routers_own = false;
     }
 
-    import_outcome run(std::string_view name) {
+    import_outcome run() {
         using capture::packet_read;
         capture::captured_packet packet;
         packet_read last = reader_.next(packet);
-        if (last != packet_read::DAMAGED && begin(name, reader_.interface_of(packet))) {
-            while (last == packet_read::PACKET && take(packet) && flush(PART)) {
-                last = reader_.next(packet);
-            }
+        while (last == packet_read::PACKET && take(packet) && flush(PART)) {
+            last = reader_.next(packet);
+        }
+        if (last == packet_read::END && !begun_) {
+            begin(reader_.interface_of(packet));
         }
         if (last == packet_read::DAMAGED) {
             outcome_.error = reader_.error();
@@ -51,11 +53,12 @@ public:
 
 private:
     /// Writes what stands in front of the records.
-    bool begin(std::string_view name, const capture::capture_interface& described) {
+    bool begin(const capture::capture_interface& described) {
         const auto source = find_source(described);
         if (!source) {
             return false;
         }
+        begun_ = true;
         head_.channel_type = settings_.channel_type.value_or(source->channel_type);
         if (!rule_applies(settings_.sent, head_.channel_type)) {
             return fail("the address of --sent is not in the frames of channel type " +
@@ -66,7 +69,7 @@ private:
         head_.interface_index = settings_.interface_index;
         head_.options = {settings_.viewer_options.value_or(fits ? kind->viewer_options
                                                                 : capture::viewer_options_of(head_.channel_type))};
-        text_ = case_text(head_, title_of(name, described.link_type, kind));
+        text_ = case_text(head_, title_of(name_, described.link_type, kind));
         return true;
     }
 
@@ -86,14 +89,21 @@ private:
             return false;
         }
         ++outcome_.packets;
-        if (source->channel_type == head_.channel_type) {
-            return append(packet, *source, described.link_type);
+        if (settings_.channel_type && *settings_.channel_type != source->channel_type) {
+            ++outcome_.left_out;
+            return true;
         }
-        ++outcome_.left_out;
-        return settings_.channel_type.has_value() ||
-               fail(capture::packet_place(packet.number, packet.offset) + ": it is of channel type " +
-                    channel_text(source->channel_type) + ", those before it of " + channel_text(head_.channel_type) +
-                    "; name the one of the case with --channel");
+        if (!begun_ && !begin(described)) {
+            return false;
+        }
+        if (source->channel_type != head_.channel_type) {
+            return fail(capture::packet_place(packet.number, packet.offset) + ": it is of channel type " +
+                        channel_text(source->channel_type) + ", those before it of " +
+                        channel_text(head_.channel_type) +
+                        (source->own ? "; name the one of the case with --channel"
+                                     : "; a case is one interface: split the capture first"));
+        }
+        return append(packet, *source, described.link_type);
     }
 
     bool append(const capture::captured_packet& packet, const capture::packet_source& source, std::uint32_t link_type) {
@@ -131,9 +141,11 @@ private:
 
     capture::capture_reader reader_;
     const import_settings& settings_;
+    std::string_view name_;
     const text_part_writer& write_;
     capture::record_clock clock_;
     trace_case head_;  // without records
+    bool begun_ = false;
     std::array<std::uint8_t, RECORD_DATA_MAXIMUM> data_{};
     std::uint32_t sequence_ = 0;
     std::string text_;
@@ -144,7 +156,7 @@ private:
 
 import_outcome import_capture(capture::byte_stream& stream, const import_settings& settings, std::string_view name,
                               const text_part_writer& write) {
-    return capture_import(stream, settings, write).run(name);
+    return capture_import(stream, settings, name, write).run();
 }
 
 }  // namespace ifwatch::sim

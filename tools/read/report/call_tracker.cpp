@@ -1,7 +1,6 @@
 #include "read/report/call_tracker.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "read/report/call_text.h"
 #include "read/report/page.h"
@@ -49,7 +48,7 @@ void begin_call(call_tracker& tracker, const journal& about, const frame& what, 
     if (tracker.count++ == 0) {
         tracker.first = what.at;
     }
-    tracker.calls.begin(key, *about.shared, std::move(call));
+    tracker.calls.begin(key, *about.shared, call);
 }
 
 /// A call that is cleared for one of the terminals that it was offered to goes on for the others, and one that was

@@ -8,6 +8,13 @@
 
 namespace ifwatch::reporting {
 
+namespace {
+
+// A place, a label of foreign text, the words, how often, and another place.
+constexpr std::size_t MAX_LINE = trouble_list::MAX_TEXT + std::size_t{4} * MAX_FOREIGN_TEXT + 128;
+
+}  // namespace
+
 void trouble_list::add(place at, std::string_view label, std::string_view text) {
     const std::size_t hash = std::hash<std::string_view>()(text);
     const auto same = std::ranges::find_if(
@@ -36,11 +43,13 @@ void trouble_list::print_lines() const {
     const std::size_t shown = std::min(entries_.size(), SHOWN);
     for (std::size_t i = 0; i < shown; ++i) {
         const entry& line = entries_[i];
-        print<"  %s %s: %s">(place_text(line.first), line.label, line.text);
+        text_buffer<MAX_LINE> text;
+        print_to<"%s %s: %s">(text, place_text(line.first), line.label, line.text);
         if (line.times > 1) {
-            print<" (%lu times, the last at %s)">(line.times, place_text(line.last));
+            print_to<" (%lu times, the last at %s)">(text, line.times, place_text(line.last));
         }
-        print<"\n">();
+        print<"  ">();
+        print_broken(text.text(), 2, 6);
     }
     if (const std::uint64_t more = entries_.size() - shown + dropped_; more > 0) {
         print<"  and %lu more\n">(more);

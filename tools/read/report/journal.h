@@ -17,7 +17,8 @@ struct place {
     std::uint32_t number = 0;
 
     [[nodiscard]] constexpr bool operator==(const place&) const = default;
-    [[nodiscard]] constexpr auto operator<=>(const place&) const = default;
+    [[nodiscard]] constexpr auto operator<=>(const place&) const =
+        default;  // NOLINT(modernize-use-nullptr): of the compiler
 };
 
 /// Milliseconds from one record to another; 0 where the clock was set back between them.
@@ -49,7 +50,8 @@ public:
 
     [[nodiscard]] bool empty() const { return entries_.empty(); }
 
-    /// Prints the first SHOWN of them, a line each, in the order of time, and how many there are more.
+    /// Prints the first SHOWN of them, a line each or as many as it takes, in the order of time, and how many there are
+    /// more.
     void print_lines() const;
 
 private:

@@ -74,8 +74,6 @@ constexpr int SAP_IPX = 0xE0;
 constexpr int SNAP_HEADER = 8;
 constexpr int UNNUMBERED = 3;
 
-bool take_ethernet(interface_report& to, const frame& what, int nesting);
-
 /// A PPPoE session is one of its two stations, and has a number there.
 std::uint64_t pppoe_link(octets ethernet) {
     std::uint64_t stations = 0;
@@ -91,24 +89,46 @@ void take_pppoe_session(interface_report& to, const frame& what, octets packet) 
     take_ppp_frame(to, what.with(rest.at(0, std::min(length, rest.length))), pppoe_link(what.data));
 }
 
-/// What stands behind a header of the link layer. `what` begins with the Ethernet header where there is one.
-bool take_ethertype(interface_report& to, const frame& what, octets payload, int type, int nesting) {
-    switch (type) {
+/// What stands behind a header of the link layer, and the key under which dump_ethertype() knows it.
+struct link_payload {
+    octets data;
+    int type = KEY_NONE;
+
+    [[nodiscard]] bool bridged() const { return type == KEY_BRIDGED || type == KEY_BRIDGED_FCS; }
+};
+
+link_payload llc_payload(octets llc) {
+    if (llc[0] == SAP_SNAP) {
+        return {llc.skip(SNAP_HEADER), llc.be16(6)};
+    }
+    const int header = (llc[2] & UNNUMBERED) == UNNUMBERED ? 3 : 4;
+    return {llc.skip(header), llc[0]};
+}
+
+link_payload ethernet_payload(octets ethernet) {
+    const int type_or_length = ethernet.be16(12);
+    const octets rest = ethernet.skip(ETHERNET_HEADER);
+    if (type_or_length > LONGEST_802_3) {
+        return {rest, type_or_length};
+    }
+    return llc_payload(rest.at(0, std::min(type_or_length, rest.length)));
+}
+
+/// A payload that is no bridged frame. `what` begins with the Ethernet header where there is one.
+bool take_ethertype(interface_report& to, const frame& what, const link_payload& payload) {
+    switch (payload.type) {
         case ETHERTYPE_IP:
-            return take_ip_datagram(to, what.with(payload));
+            return take_ip_datagram(to, what.with(payload.data));
         case ETHERTYPE_ARP:
         case ETHERTYPE_RARP:
-            take_arp(to.lan, to.about, what.with(payload));
+            take_arp(to.lan, to.about, what.with(payload.data));
             return true;
         case ETHERTYPE_PPPOE_DISCOVERY:
             take_pppoe_discovery(to.pppoe, to.about, what);
             return true;
         case ETHERTYPE_PPPOE_SESSION:
-            take_pppoe_session(to, what, payload);
+            take_pppoe_session(to, what, payload.data);
             return true;
-        case KEY_BRIDGED:
-        case KEY_BRIDGED_FCS:
-            return nesting < MAX_NESTING && take_ethernet(to, what.with(payload), nesting + 1);
         case ETHERTYPE_IPX:
         case ETHERTYPE_SNMP:
         case SAP_IPX:
@@ -118,29 +138,29 @@ bool take_ethertype(interface_report& to, const frame& what, octets payload, int
     }
 }
 
-bool take_llc(interface_report& to, const frame& what, octets llc, int nesting) {
-    if (llc[0] == SAP_SNAP) {
-        return take_ethertype(to, what, llc.skip(SNAP_HEADER), llc.be16(6), nesting);
+/// An Ethernet frame, or the last of those that are bridged in each other.
+bool take_ethernet(interface_report& to, const frame& what) {
+    octets ethernet = what.data;
+    for (int nesting = 0; nesting < MAX_NESTING; ++nesting) {
+        const link_payload payload = ethernet_payload(ethernet);
+        if (!payload.bridged()) {
+            return take_ethertype(to, what.with(ethernet), payload);
+        }
+        ethernet = payload.data;
     }
-    const int header = (llc[2] & UNNUMBERED) == UNNUMBERED ? 3 : 4;
-    return take_ethertype(to, what, llc.skip(header), llc[0], nesting);
+    return false;
 }
 
-bool take_ethernet(interface_report& to, const frame& what, int nesting) {
-    const int type_or_length = what.data.be16(12);
-    const octets rest = what.data.skip(ETHERNET_HEADER);
-    if (type_or_length > LONGEST_802_3) {
-        return take_ethertype(to, what, rest, type_or_length, nesting);
-    }
-    return take_llc(to, what, rest.at(0, std::min(type_or_length, rest.length)), nesting);
+bool take_link_payload(interface_report& to, const frame& what, const link_payload& payload) {
+    return payload.bridged() ? take_ethernet(to, what.with(payload.data)) : take_ethertype(to, what, payload);
 }
 
 bool take_lan(interface_report& to, const frame& what, const record_header& /*header*/) {
-    return take_ethernet(to, what, 0);
+    return take_ethernet(to, what);
 }
 
 bool take_token_ring(interface_report& to, const frame& what, const record_header& /*header*/) {
-    return take_llc(to, what, what.data.skip(token_ring_header_length(what.data)), 0);
+    return take_link_payload(to, what, llc_payload(what.data.skip(token_ring_header_length(what.data))));
 }
 
 bool take_tunnel(interface_report& to, const frame& what, const record_header& /*header*/) {
@@ -162,7 +182,7 @@ bool take_aal5(interface_report& to, const frame& what, std::uint64_t circuit) {
         take_ppp_frame(to, what.with(payload), circuit);
         return true;
     }
-    return take_ethertype(to, what.with(payload), payload, found.type, 0);
+    return take_link_payload(to, what.with(payload), {payload, found.type});
 }
 
 bool take_atm(interface_report& to, const frame& what, const record_header& header) {

@@ -14,8 +14,6 @@ constexpr std::uint32_t SECOND = 1000;
 constexpr std::uint32_t MINUTE = 60 * SECOND;
 constexpr std::uint32_t HOUR = 60 * MINUTE;
 
-constexpr std::size_t LINE_WIDTH = 80;  // of a text, behind its place
-
 void put_foreign(text_sink& out, std::string_view text, bool goes_on) {
     for (const char character : text) {
         const auto octet = static_cast<std::uint8_t>(character);
@@ -26,17 +24,6 @@ void put_foreign(text_sink& out, std::string_view text, bool goes_on) {
         }
     }
     put(out, goes_on ? "..." : "");
-}
-
-/// Prints a text, broken between its words into lines that begin in the column where the cursor stands.
-void print_lines(std::string_view text) {
-    while (text.size() > LINE_WIDTH) {
-        const std::size_t blank = text.rfind(' ', LINE_WIDTH);
-        const std::size_t end = blank != std::string_view::npos && blank > 0 ? blank : LINE_WIDTH;
-        print<"%s\n  %-*s ">(text.substr(0, end), PLACE_WIDTH, "");
-        text.remove_prefix(text[end] == ' ' ? end + 1 : end);
-    }
-    print<"%s\n">(text);
 }
 
 }  // namespace
@@ -105,6 +92,18 @@ void short_text::append(const short_text& text) {
 
 void short_text::put_to(text_sink& out) const { put_foreign(out, {characters_.data(), length_}, cut_); }
 
+void print_broken(std::string_view text, int column, int indent) {
+    auto room = static_cast<std::size_t>(PAGE_WIDTH - column);
+    while (text.size() > room) {
+        const std::size_t blank = text.rfind(' ', room);
+        const std::size_t end = blank != std::string_view::npos && blank > 0 ? blank : room;
+        print<"%s\n%*s">(text.substr(0, end), indent, "");
+        text.remove_prefix(text[end] == ' ' ? end + 1 : end);
+        room = static_cast<std::size_t>(PAGE_WIDTH - indent);
+    }
+    print<"%s\n">(text);
+}
+
 void print_row_text(section& to, place at, std::string_view text) {
     if (to.rows_left == 0) {
         ++to.left_out;
@@ -112,7 +111,8 @@ void print_row_text(section& to, place at, std::string_view text) {
     }
     --to.rows_left;
     print<"  %-*s ">(PLACE_WIDTH, place_text(at));
-    print_lines(text);
+    constexpr int column = 2 + PLACE_WIDTH + 1;
+    print_broken(text, column, column);
 }
 
 void end_section(const section& to) {

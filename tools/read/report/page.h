@@ -58,6 +58,12 @@ struct section {
     std::uint64_t left_out = 0;
 };
 
+inline constexpr int PAGE_WIDTH = 99;
+
+/// Prints a text that begins in that column, and its line end; where the page is not wide enough it is broken between
+/// its words, and goes on behind so many blanks.
+void print_broken(std::string_view text, int column, int indent);
+
 inline constexpr std::size_t MAX_ROW = 640;
 
 /// Prints a row: its place in a column of its own, and the text in as many lines as it needs. Where the section has no

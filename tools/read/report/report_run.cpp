@@ -133,8 +133,8 @@ void report_run::take(std::size_t interface_number, const display_context& conte
     count_frame(to.seen, what.sent, context.original_length, known);
 }
 
-void report_run::print_head() const {
-    std::uint64_t records = 0;
+bool report_run::print_head() const {
+    std::uint64_t records = more_records_;
     place first{UINT32_MAX, UINT32_MAX};
     place last;
     for (const interface_report& from : interfaces_) {
@@ -146,10 +146,11 @@ void report_run::print_head() const {
     }
     if (records == 0) {
         ifwatch::print<"No record.\n">();
-        return;
+        return false;
     }
     ifwatch::print<"%s of %s, from %s to %s\n">(
         count_text(records, "record"), count_text(interfaces_.size(), "interface"), time_text(first), time_text(last));
+    return true;
 }
 
 void report_run::print_trouble() const {
@@ -175,12 +176,13 @@ void report_run::print() {
             about.finish(of);
         }
     }
-    print_head();
-    print_trouble();
-    for (const protocol& about : PROTOCOLS) {
-        print_protocol(about, interfaces_);
+    if (print_head()) {
+        print_trouble();
+        for (const protocol& about : PROTOCOLS) {
+            print_protocol(about, interfaces_);
+        }
+        print_seen(interfaces_, more_records_);
     }
-    print_seen(interfaces_, more_records_);
     flush_output();
 }
 

@@ -38,7 +38,7 @@ public:
     void print();
 
 private:
-    void print_head() const;
+    [[nodiscard]] bool print_head() const;  // false: there was no record
     void print_trouble() const;
 
     std::deque<interface_report> interfaces_;
