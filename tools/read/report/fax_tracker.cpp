@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <span>
 
 #include "fax/fax_record.h"
@@ -151,16 +150,19 @@ void take_answer(fax_session& session, int answer) {
 
 /// An identification is sent last character first, and padded.
 short_text identification(octets fields) {
+    int begin = 0;
+    int end = std::min(fields.within(), static_cast<int>(short_text::MOST));
+    while (begin < end && fields[begin] == ' ') {
+        ++begin;
+    }
+    while (end > begin && fields[end - 1] == ' ') {
+        --end;
+    }
     std::array<std::uint8_t, short_text::MOST> text{};
-    const auto held = fields.run(0, std::min(fields.length, static_cast<int>(text.size())));
-    std::reverse_copy(held.begin(), held.end(), text.begin());
-    const auto is_blank = [](std::uint8_t octet) { return octet == ' '; };
-    const auto* const end = text.begin() + static_cast<std::ptrdiff_t>(held.size());
-    const auto* const first = std::find_if_not(text.begin(), end, is_blank);
-    const auto last = std::find_if_not(std::make_reverse_iterator(end), std::make_reverse_iterator(first), is_blank);
+    const auto sent = fields.run(begin, end - begin);
+    std::reverse_copy(sent.begin(), sent.end(), text.begin());
     short_text shown;
-    shown.append(
-        octets_of(std::span(text)).at(static_cast<int>(first - text.begin()), static_cast<int>(last.base() - first)));
+    shown.append(octets_of(text).cut(end - begin));
     return shown;
 }
 
