@@ -1,6 +1,7 @@
 #include "figures.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 
 namespace ifwatch::bench {
@@ -25,7 +26,8 @@ figure row_against(const char* name, const char* unit, double value, double othe
     const bool fraction = goal < 1;
     return {.name = name,
             .value = decimal(value, 2) + unit,
-            .goal = fraction ? "at most 1/" + decimal(1 / goal, 0) : "at most " + decimal(goal, 1),
+            .goal = fraction ? "at most 1/" + decimal(1 / goal, 0)
+                             : "at most " + decimal(goal, goal * 10 == std::floor(goal * 10) ? 1 : 2),
             .floor = decimal(other, 2) + unit,
             .ratio = fraction ? "1/" + decimal(1 / ratio, 1) : decimal(ratio, 2),
             .met = ratio <= goal ? "yes" : "no"};

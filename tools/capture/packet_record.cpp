@@ -122,6 +122,18 @@ bool restore_front(const captured_packet& packet, const packet_source& source, c
     return true;
 }
 
+/// The octets of the record: what stands in front, and as much of the frame as there is room for.
+std::span<std::uint8_t> put_together(const captured_packet& packet, const record_parts& parts,
+                                     std::span<std::uint8_t, RECORD_DATA_MAXIMUM> data) {
+    const std::size_t kept = std::min(parts.frame.size(), data.size() - parts.front_length);
+    if (parts.front_length == 0) {
+        return packet.data.subspan(packet.data.size() - parts.frame.size(), kept);
+    }
+    std::ranges::copy(std::span(parts.front).first(parts.front_length), data.begin());
+    std::ranges::copy(parts.frame.first(kept), data.begin() + static_cast<std::ptrdiff_t>(parts.front_length));
+    return data.first(parts.front_length + kept);
+}
+
 }  // namespace
 
 std::optional<packet_source> find_packet_source(const capture_interface& described, std::optional<int> channel_type) {
@@ -172,18 +184,14 @@ bool make_packet_record(const captured_packet& packet, const packet_source& sour
         return false;
     }
     const std::size_t moved = in_packet - parts.frame.size();  // from the frame to the front
-    const std::size_t kept = std::min(parts.frame.size(), data.size() - parts.front_length);
-    std::ranges::copy(std::span(parts.front).first(parts.front_length), data.begin());
-    std::ranges::copy(parts.frame.first(kept), data.begin() + static_cast<std::ptrdiff_t>(parts.front_length));
-    const std::size_t captured = parts.front_length + kept;
+    made.octets = put_together(packet, parts, data);
     const std::size_t original = packet.original_length - facts.length - moved + parts.front_length;
-    made.captured_length = static_cast<int>(captured);
     made.original_length = static_cast<std::uint32_t>(std::min<std::size_t>(original, ORIGINAL_LENGTH_MAXIMUM));
     made.own_sequence = source.own && packet.id.has_value();
     header.timestamp_ms = clock.at(packet);
     if (!made.own_sequence) {
         const std::optional<bool> told = direction_of(packet.flags) ? direction_of(packet.flags) : facts.sent;
-        const bool by_router = told ? *told : is_sent(sent, source.channel_type, data.first(captured));
+        const bool by_router = told ? *told : is_sent(sent, source.channel_type, made.octets);
         header.record_flags |= by_router ? RECORD_SENT : 0;
     }
     return true;
