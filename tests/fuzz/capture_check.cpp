@@ -45,7 +45,7 @@ void check_record(const captured_packet& packet, const packet_source& source, re
     static std::array<std::uint8_t, RECORD_DATA_MAXIMUM> data{};
     packet_record made;
     if (make_packet_record(packet, source, sent_nothing{}, clock, data, made)) {
-        require(made.captured_length >= 0 && made.captured_length <= RECORD_DATA_MAXIMUM, "a record has a bound");
+        require(made.octets.size() <= RECORD_DATA_MAXIMUM, "a record has a bound");
         require(made.original_length <= 0xFFFF, "a record's length on the line has a bound");
         require(made.own_sequence || (made.header.record_flags & ~0x81U) == 0, "others note nothing in the flags");
     } else {

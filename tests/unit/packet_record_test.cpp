@@ -31,7 +31,7 @@ struct made_record {
         packet.original_length = std::max(packet.original_length, packet.captured_length);
         made = make_packet_record(packet, source, rule, clock, room, record);
         if (made) {
-            octets.assign(room.begin(), room.begin() + record.captured_length);
+            octets.assign(record.octets.begin(), record.octets.end());
         }
     }
     [[nodiscard]] bool sent() const { return (record.header.record_flags & 1) != 0; }

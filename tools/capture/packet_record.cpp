@@ -124,21 +124,30 @@ bool restore_front(const captured_packet& packet, const packet_source& source, c
 }
 
 /// Takes the packet for the record that it is. False where it is shorter than the header of one.
-bool take_whole_record(const captured_packet& packet, record_clock& clock,
-                       std::span<std::uint8_t, RECORD_DATA_MAXIMUM> data, packet_record& made) {
+bool take_whole_record(const captured_packet& packet, record_clock& clock, packet_record& made) {
     constexpr std::size_t original_length = 20;  // where its field is
     if (packet.data.size() < RECORD_HEADER_LENGTH) {
         return false;
     }
     const auto octets = packet.data.subspan(RECORD_HEADER_LENGTH);
-    const std::size_t captured = std::min(octets.size(), data.size());
-    std::ranges::copy(octets.first(captured), data.begin());
+    made.octets = octets.first(std::min<std::size_t>(octets.size(), RECORD_DATA_MAXIMUM));
     made.header = parse_protocol_part(packet.data.subspan<4, PROTO_LENGTH>());
     made.header.timestamp_ms = clock.at(packet);
     made.original_length = load_be16(&packet.data[original_length]);
-    made.captured_length = static_cast<int>(captured);
     made.own_sequence = true;
     return true;
+}
+
+/// The octets of the record: what stands in front, and as much of the frame as there is room for.
+std::span<std::uint8_t> put_together(const captured_packet& packet, const record_parts& parts,
+                                     std::span<std::uint8_t, RECORD_DATA_MAXIMUM> data) {
+    const std::size_t kept = std::min(parts.frame.size(), data.size() - parts.front_length);
+    if (parts.front_length == 0) {
+        return packet.data.subspan(packet.data.size() - parts.frame.size(), kept);
+    }
+    std::ranges::copy(std::span(parts.front).first(parts.front_length), data.begin());
+    std::ranges::copy(parts.frame.first(kept), data.begin() + static_cast<std::ptrdiff_t>(parts.front_length));
+    return data.first(parts.front_length + kept);
 }
 
 }  // namespace
@@ -176,7 +185,7 @@ std::uint32_t record_clock::at(const captured_packet& packet) {
 bool make_packet_record(const captured_packet& packet, const packet_source& source, const sent_rule& sent,
                         record_clock& clock, std::span<std::uint8_t, RECORD_DATA_MAXIMUM> data, packet_record& made) {
     if (source.events) {
-        return take_whole_record(packet, clock, data, made);
+        return take_whole_record(packet, clock, made);
     }
     link_facts facts;
     if (!read_link_header(source.header, packet.data, facts)) {
@@ -194,18 +203,14 @@ bool make_packet_record(const captured_packet& packet, const packet_source& sour
         return false;
     }
     const std::size_t moved = in_packet - parts.frame.size();  // from the frame to the front
-    const std::size_t kept = std::min(parts.frame.size(), data.size() - parts.front_length);
-    std::ranges::copy(std::span(parts.front).first(parts.front_length), data.begin());
-    std::ranges::copy(parts.frame.first(kept), data.begin() + static_cast<std::ptrdiff_t>(parts.front_length));
-    const std::size_t captured = parts.front_length + kept;
+    made.octets = put_together(packet, parts, data);
     const std::size_t original = packet.original_length - facts.length - moved + parts.front_length;
-    made.captured_length = static_cast<int>(captured);
     made.original_length = static_cast<std::uint32_t>(std::min<std::size_t>(original, ORIGINAL_LENGTH_MAXIMUM));
     made.own_sequence = source.own && packet.id.has_value();
     header.timestamp_ms = clock.at(packet);
     if (!made.own_sequence) {
         const std::optional<bool> told = direction_of(packet.flags) ? direction_of(packet.flags) : facts.sent;
-        const bool by_router = told ? *told : is_sent(sent, source.channel_type, data.first(captured));
+        const bool by_router = told ? *told : is_sent(sent, source.channel_type, made.octets);
         header.record_flags |= by_router ? RECORD_SENT : 0;
     }
     return true;

@@ -50,12 +50,13 @@ struct record_clock {
 struct packet_record {
     record_header header;               // the sequence number is 0 where only the caller can count: see own_sequence
     std::uint32_t original_length = 0;  // at most 65535, as its field holds; to be shown as 0 with nothing captured
-    int captured_length = 0;            // octets of `data` in use
+    std::span<std::uint8_t> octets;     // that were captured: where the packet has them, or put together elsewhere
     bool own_sequence = false;          // the sequence number is the router's: the packet has it noted
 };
 
-/// Makes the record of a packet; its octets, at most RECORD_DATA_MAXIMUM with what stands in front of a frame in a
-/// record, go to `data`. False where the packet is too short for the header of its link type.
+/// Makes the record of a packet, of at most RECORD_DATA_MAXIMUM octets. They stay where they are in the packet; with
+/// what stands in front of a frame in a record they are put together in `data`. False where the packet is too short for
+/// the header of its link type.
 bool make_packet_record(const captured_packet& packet, const packet_source& source, const sent_rule& sent,
                         record_clock& clock, std::span<std::uint8_t, RECORD_DATA_MAXIMUM> data, packet_record& made);
 

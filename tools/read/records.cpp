@@ -55,10 +55,9 @@ traced_line* capture_records::next() {
 }
 
 void capture_records::make_current(traced_line& line) {
-    const auto captured = static_cast<std::size_t>(record_.captured_length);
     line.context.header = &record_.header;
-    line.context.original_length = captured != 0 ? record_.original_length : 0;
-    line.context.payload = octets_of(std::span(*data_).first(captured));
+    line.context.original_length = record_.octets.empty() ? 0 : record_.original_length;
+    line.context.payload = octets_of(record_.octets);
 }
 
 }  // namespace ifwatch::read

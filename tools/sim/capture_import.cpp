@@ -120,7 +120,7 @@ private:
                        .info = made.header.channel_info,
                        .sequence = sequence_,
                        .original_length = static_cast<std::uint16_t>(made.original_length),
-                       .data = std::span(data_).first(static_cast<std::size_t>(made.captured_length))},
+                       .data = made.octets},
                       usual_sequence);
         return true;
     }
