@@ -300,6 +300,47 @@ TEST(ReportRun, AFloodOfCallsMakesADullPage) {
     EXPECT_NE(page.find("20000 calls, 0 of them connected"), std::string::npos) << page;
 }
 
+/// On a leased line with PPP: the page never shows what stood behind the name of a login.
+TEST(ReportRun, APasswordIsNeverOnThePage) {
+    for (const std::uint8_t name_length : {std::uint8_t{2}, std::uint8_t{5}, std::uint8_t{200}}) {
+        fed_report fed;
+        const std::size_t line = fed.report.begin_interface("8300", 23, 0);
+        fed.take(line, {0xFF, 0x03, 0xC0, 0x23, 1, 1, 0, 13, name_length, 'm', 'e', 5, 'S', 'E', 'C', 'R', 'T', 0});
+        fed.take(line, {0xFF, 0x03, 0xC0, 0x23, 3, 1, 0, 8, 3, 'b', 'a', 'd'}, false);
+        const std::string page = fed.page();
+        EXPECT_NE(page.find("the peer refused the login of"), std::string::npos) << page;
+        EXPECT_NE(page.find("(PAP: 'bad')"), std::string::npos) << page;
+        EXPECT_EQ(page.find("SE"), std::string::npos) << page;
+        EXPECT_EQ(page.find("'me'") != std::string::npos, name_length == 2) << page;
+    }
+}
+
+/// A LAN frame of 54 octets with a SYN, from a port and to an address of its own.
+std::vector<std::uint8_t> syn(std::uint32_t number) {
+    std::vector<std::uint8_t> data(54);
+    data[12] = 0x08;
+    data[14] = 0x45;
+    data[23] = 6;
+    data[26] = 10;
+    data[30] = 192;
+    data[32] = static_cast<std::uint8_t>(number >> 8);
+    data[33] = static_cast<std::uint8_t>(number);
+    data[46] = 0x50;
+    data[47] = 0x02;
+    return data;
+}
+
+TEST(ReportRun, AFloodOfSynsMakesADullPage) {
+    fed_report fed;
+    const std::size_t line = fed.report.begin_interface("1000", 6, 0);
+    for (std::uint32_t i = 0; i < 20'000; ++i) {
+        fed.take(line, syn(i));
+    }
+    const std::string page = fed.page();
+    EXPECT_LT(page.size(), 4096U);
+    EXPECT_NE(page.find("20000 TCP connections asked for, 0 answered"), std::string::npos) << page;
+}
+
 TEST(ReportRun, InterfacesBeyondItsBoundAreOnlyCounted) {
     fed_report fed;
     for (std::size_t i = 0; i < report_run::MOST_INTERFACES + 50; ++i) {

@@ -40,6 +40,14 @@ octets counted_text(octets from) {
     return from[0] <= text.within() ? text.cut(from[0]) : octets{};
 }
 
+/// The name in a PAP request. Where what stands behind it is no password of the length that it tells, the name may be
+/// one that reaches into the password: then there is none.
+octets name_in_request(octets request) {
+    const octets name = counted_text(request);
+    const octets password = request.skip(1 + name.within());
+    return password[0] < password.within() ? name : octets{};
+}
+
 /// What the login waits for, for the first time or once more.
 void wait_for_answer(ppp_login& login, const journal& about, place at, int protocol, stage reached) {
     if (login.reached != reached || login.tries == 0) {
@@ -90,7 +98,7 @@ void take_login(ppp_logins& logins, const link_ends& ends, const journal& about,
     const bool pap = protocol == PROTOCOL_PAP;
     if (pap && packet.code == PAP_REQUEST) {
         wait_for_answer(own, about, what.at, protocol, stage::ANSWERED);
-        own.name.assign(counted_text(packet.data));
+        own.name.assign(name_in_request(packet.data));
     } else if (!pap && packet.code == CHAP_CHALLENGE) {
         wait_for_answer(other, about, what.at, protocol, stage::CHALLENGED);
     } else if (!pap && packet.code == CHAP_RESPONSE) {

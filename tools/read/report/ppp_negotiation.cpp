@@ -48,8 +48,8 @@ std::string option_text(const ppp_option& option, int protocol) {
     std::ranges::replace_if(
         shown, [](char one) { return !is_printable(static_cast<std::uint8_t>(one)); }, '?');
     shown.erase(shown.find_last_not_of("; ") + 1);
-    const auto twice = std::ranges::unique(shown, [](char one, char next) { return one == ' ' && next == ' '; });
-    shown.erase(twice.begin(), twice.end());
+    const auto both_blank = [](char one, char next) { return one == ' ' && next == ' '; };
+    shown.erase(std::unique(shown.begin(), shown.end(), both_blank), shown.end());
     return shown;
 }
 
@@ -137,6 +137,23 @@ void tell_refused(const negotiation& of, const link_ends& ends, const journal& a
     }
 }
 
+/// Of what one end asks for.
+bool tell_end_not_agreed(const negotiation& of, const link_ends& ends, const journal& about, int protocol, int end) {
+    const negotiation_end& asks = of.ends[static_cast<std::size_t>(end)];
+    if (asks.acked) {
+        return false;
+    }
+    if (asks.unanswered >= MANY_UNANSWERED) {
+        tell_unanswered(of, ends, about, protocol, end);
+        return true;
+    }
+    if (asks.alike >= MANY_ALIKE || asks.refusals >= MANY_REFUSALS) {
+        tell_refused(of, ends, about, protocol, end);
+        return true;
+    }
+    return false;
+}
+
 bool is_looped(const negotiation& of) {
     const octets one = find_ppp_option(of.ends[0].asked.view(), OPTION_MAGIC_NUMBER);
     const octets other = find_ppp_option(of.ends[1].asked.view(), OPTION_MAGIC_NUMBER);
@@ -207,22 +224,11 @@ bool tell_not_agreed(const negotiation& of, const link_ends& ends, const journal
         return true;
     }
     // The end that began first is looked at first.
-    const int first = of.ends[1].requests > 0 && (of.ends[0].requests == 0 || of.ends[1].first < of.ends[0].first);
-    for (const int end : {first, 1 - first}) {
-        const negotiation_end& asks = of.ends[static_cast<std::size_t>(end)];
-        if (asks.acked) {
-            continue;
-        }
-        if (asks.unanswered >= MANY_UNANSWERED) {
-            tell_unanswered(of, ends, about, protocol, end);
-            return true;
-        }
-        if (asks.alike >= MANY_ALIKE || asks.refusals >= MANY_REFUSALS) {
-            tell_refused(of, ends, about, protocol, end);
-            return true;
-        }
-    }
-    return false;
+    const bool second_was_first =
+        of.ends[1].requests > 0 && (of.ends[0].requests == 0 || of.ends[1].first < of.ends[0].first);
+    const int first = second_was_first ? 1 : 0;
+    return tell_end_not_agreed(of, ends, about, protocol, first) ||
+           tell_end_not_agreed(of, ends, about, protocol, 1 - first);
 }
 
 }  // namespace ifwatch::reporting

@@ -181,8 +181,8 @@ void take_protocol_reject(ppp_link& link, const journal& about, place at, int en
         tell_trouble<"%s does not take %s (Protocol-Reject): no IP over this link">(about, at, link.ends.name(end),
                                                                                     ppp_protocol_name(refused));
     }
-    const auto known = std::ranges::find(link.refused_protocols, refused);
-    const auto room = std::ranges::find(link.refused_protocols, 0);
+    const auto* const known = std::ranges::find(link.refused_protocols, refused);
+    auto* const room = std::ranges::find(link.refused_protocols, 0);
     if (known == link.refused_protocols.end() && room != link.refused_protocols.end()) {
         link.refused_by[static_cast<std::size_t>(room - link.refused_protocols.begin())] =
             static_cast<std::int8_t>(end);
@@ -286,14 +286,14 @@ void take_ppp_data(ppp_tracker& tracker, const journal& about, const frame& what
     }
 }
 
-void take_ppp_session_end(ppp_tracker& tracker, const journal& about, const frame& what, std::uint64_t key) {
-    ppp_link* const link = tracker.links.find(key);
+void take_ppp_session_end(ppp_tracker& tracker, const journal& about, const frame& what, std::uint64_t link_key) {
+    ppp_link* const link = tracker.links.find(link_key);
     if (link == nullptr) {
         return;
     }
     link->by_discovery = !link->ended;
     end_link(*link, about, what, link_ends::UNKNOWN);
-    tracker.links.finish(key);
+    tracker.links.finish(link_key);
 }
 
 void finish_ppp(ppp_tracker& tracker, const journal& about) {

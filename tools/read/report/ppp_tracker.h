@@ -67,7 +67,7 @@ void take_ppp_control(ppp_tracker& tracker, const journal& about, const frame& w
 void take_ppp_data(ppp_tracker& tracker, const journal& about, const frame& what, ppp_end from, int protocol);
 
 /// The PPPoE session that the link is on was ended.
-void take_ppp_session_end(ppp_tracker& tracker, const journal& about, const frame& what, std::uint64_t link);
+void take_ppp_session_end(ppp_tracker& tracker, const journal& about, const frame& what, std::uint64_t link_key);
 
 /// What can only be said at the end. Nothing may be taken behind it.
 void finish_ppp(ppp_tracker& tracker, const journal& about);

@@ -159,7 +159,7 @@ void take_initiation(pppoe_tracker& tracker, const journal& about, const frame& 
 
 void take_offer(pppoe_search& search, const discovery_packet& packet) {
     search.initiations.count = 0;
-    const auto last = search.offers.begin() + static_cast<std::ptrdiff_t>(search.offered);
+    auto* const last = search.offers.begin() + search.offered;
     const bool known =
         std::any_of(search.offers.begin(), last, [&](const pppoe_offer& one) { return one.station == packet.from; });
     if (!known && search.offered < search.offers.size()) {
