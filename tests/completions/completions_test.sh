@@ -87,7 +87,6 @@ expect "$programs/ifwatch-read -" "$(sh "$tests/support/usage_options.sh" "$prog
 expect 'ifwatch-read --sent=' "$(lines all none)"
 expect 'ifwatch-read --color=a' "$(lines always auto)"
 expect 'ifwatch-read --type 1' "$(lines 1 118 131 16)"
-: >night.pcapng
-expect 'ifwatch-read -i trac' "$(lines 'trace one.pcap' trace2.pcap)"
-expect 'ifwatch-read trace2.pcap ni' night.pcapng
+expect 'ifwatch-read -i trac' "$(lines 'trace one.pcap' trace2.pcap trace3.pcapng)"
+expect 'ifwatch-read trace2.pcap trace3' trace3.pcapng
 [ "$failures" -eq 0 ]
