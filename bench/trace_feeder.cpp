@@ -167,7 +167,7 @@ int main(int argc, char** argv) {
     }
     static_cast<void>(std::printf("%d\n", port));
     static_cast<void>(std::fflush(stdout));
-    std::signal(SIGCHLD, SIG_IGN);  // nobody asks how they ended
+    static_cast<void>(std::signal(SIGCHLD, SIG_IGN));  // nobody asks how they ended
     for (;;) {
         const std::vector<int> clients = gather(listening, what);
         if (clients.size() < what.clients) {
