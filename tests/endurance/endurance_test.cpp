@@ -103,9 +103,9 @@ constexpr std::uint64_t MEMORY_SLACK = 64;  // KiB
 
 // A sanitizer's library takes memory of its own, and marks that of the program.
 #ifdef IFWATCH_ADDRESS_SANITIZER
-constexpr std::uint64_t MEMORY_MAXIMUM = 48 * 1024;  // KiB
+constexpr std::uint64_t MEMORY_MAXIMUM = std::uint64_t{48} * 1024;  // KiB
 #else
-constexpr std::uint64_t MEMORY_MAXIMUM = 16 * 1024;  // KiB
+constexpr std::uint64_t MEMORY_MAXIMUM = std::uint64_t{16} * 1024;  // KiB
 #endif
 
 void expect_constant_memory(const long_run& got) {
