@@ -59,7 +59,8 @@ void check_record(const captured_packet& packet, const packet_source& source, re
 int file_of(std::span<const std::uint8_t> octets) {
     static const int INPUT_FD = memfd_create("capture", MFD_CLOEXEC);
     require(INPUT_FD >= 0 && ftruncate(INPUT_FD, 0) == 0, "there is a file");
-    require(pwrite(INPUT_FD, octets.data(), octets.size(), 0) == static_cast<ssize_t>(octets.size()), "it holds the input");
+    require(pwrite(INPUT_FD, octets.data(), octets.size(), 0) == static_cast<ssize_t>(octets.size()),
+            "it holds the input");
     lseek(INPUT_FD, 0, SEEK_SET);
     return INPUT_FD;
 }
