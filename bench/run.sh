@@ -1,10 +1,17 @@
 #!/bin/sh
 # Takes every figure, prints the table, and leaves it in bench/RESULTS.md, bench/history.tsv and docs/growth.svg:
-# run.sh PROGRAMS [PART...], from the project's root. With a PART only the table is printed.
+# run.sh PROGRAMS [PART...], from the project's root. With a PART only the table is printed. With the name of a benchmark in
+# place of the parts this one is run, with the arguments that follow.
 set -eu
 
 programs=$1
 shift
+if [ $# -gt 0 ] && [ -f "bench/$1.cpp" ]; then
+    program=$programs/$1
+    shift
+    exec "$program" "$@"
+fi
+echo "== measuring; another load on the machine shows in the figures"
 scratch=$programs/scratch
 mkdir -p "$scratch"
 

@@ -1,5 +1,5 @@
 // Long runs of the real programs: memory that stays as it was, and a last line that is right. The test run takes a
-// tenth of the figures that `./dev endurance` asks for with ENDURANCE_RECORDS and ENDURANCE_HOURS.
+// tenth of what a release is tried with: ENDURANCE_RECORDS=10000000 ENDURANCE_HOURS=24 ./dev test -R endurance
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
