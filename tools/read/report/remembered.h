@@ -8,7 +8,6 @@
 #include <cstring>
 #include <deque>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 #include "read/report/journal.h"
@@ -38,12 +37,12 @@ public:
     }
 
     /// A new entry under this key; one that lasts under it is over.
-    Entry& begin(const Key& key, allowance& shared, Entry entry) {
+    Entry& begin(const Key& key, allowance& shared, const Entry& entry) {
         finish(key);
         const int at = take_slot(shared);
         item& taken = item_at(at);
         taken.key = key;
-        taken.entry = std::move(entry);
+        taken.entry = entry;
         append(open_, at);
         add_to_index(at);
         return taken.entry;
