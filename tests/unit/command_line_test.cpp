@@ -78,6 +78,7 @@ TEST(tool_options, takes_an_empty_argument_behind_an_equals_sign) {
     EXPECT_EQ(line.name, "");
     EXPECT_THAT(line.operands, ElementsAre("file"));
     EXPECT_EQ(read_line({"--port=", "7"}).mistake, "--port takes a port from 1 to 65535, not ''");
+    EXPECT_EQ(read_line({"-p=", "7"}).mistake, "--port takes a port from 1 to 65535, not '='");
     EXPECT_EQ(read_line({"-p", "", "7"}).mistake, "--port takes a port from 1 to 65535, not ''");
 }
 
