@@ -416,11 +416,11 @@ TEST(read, options_that_need_a_router_are_named_with_the_reason) {
         {{"-Q"}, "unknown option '-Q'"},
         {{"--start"}, "unknown option '--start'"},
         {{"-T"}, "-T takes an argument, and none is given"},
-        {{"--type"}, "--type takes an argument, and none is given"},
+        {{"--type"}, "--type: 1 required argument (the code of an interface type) is missing"},
         {{"--type", "lan"}, "--type takes the code of an interface type, not 'lan'"},
         {{"--sent", "me"}, "--sent takes none, all, a MAC address or an IPv4 address, not 'me'"},
         {{"--color=red"}, "--color takes auto, always or never, not 'red'"},
-        {{"--help=x"}, "--help takes no argument"},
+        {{"--help=x"}, "--help takes no argument, not 'x'"},
     };
     for (const auto& [arguments, text] : refused) {
         const outcome got = read_input("", arguments);
