@@ -15,6 +15,7 @@
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/pseudo_terminal.h"
+#include "support/shown_capture.h"
 #include "support/temp_directory.h"
 
 namespace ifwatch::test {
@@ -26,12 +27,6 @@ using testing::Not;
 using testing::StartsWith;
 
 using octet_list = std::vector<std::uint8_t>;
-
-octet_list ethernet_frame() {
-    octet_list frame = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x02, 0, 0, 0, 0, 1, 0x08, 0x06};
-    frame.resize(60);
-    return frame;
-}
 
 /// A PAP request whose name holds what would clear a screen.
 octet_list hostile_login() {
