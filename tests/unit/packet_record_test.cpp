@@ -207,26 +207,44 @@ TEST(packet_record, holds_8192_octets_with_those_in_front) {
 
 captured_packet at(std::int64_t time_ns) { return {.time_ns = time_ns}; }
 
+constexpr std::int64_t WRAP = (std::int64_t{1} << 32) * MS;
+constexpr std::int64_t DATE = 1'600'000'000'000 * MS;
+
 TEST(record_clock, keeps_the_time_of_a_router) {
     record_clock clock{.start_ms = 5};
     EXPECT_EQ(clock.at(at(1'000 * MS)), 1'000U);
     EXPECT_EQ(clock.at(at(900 * MS)), 900U);
-    EXPECT_EQ(clock.at(at((std::int64_t{1} << 32) * MS + 7 * MS)), 7U) << "its clock has begun anew";
-    EXPECT_EQ(clock.at({}), 7U) << "without a time";
-    EXPECT_EQ(clock.at(at(-MS)), 0U);
+    EXPECT_EQ(clock.at({}), 900U) << "without a time";
+    EXPECT_EQ(clock.at(at(WRAP - 1)), 0xFFFFFFFFU);
+    EXPECT_EQ(clock.at(at(WRAP + 7 * MS)), 7U) << "its clock has begun anew";
+    EXPECT_FALSE(clock.first_ns);
 }
 
 TEST(record_clock, counts_from_the_first_packet_else) {
     record_clock clock{.start_ms = 5};
-    const std::int64_t first = (std::int64_t{1} << 32) * MS;
     EXPECT_EQ(clock.at({}), 5U);
-    EXPECT_EQ(clock.at(at(first)), 5U);
-    EXPECT_EQ(clock.at(at(first + 1'999'999)), 6U);
-    EXPECT_EQ(clock.at(at(first - MS)), 5U) << "before the first";
-    EXPECT_EQ(clock.at(at(17)), 5U);
+    EXPECT_EQ(clock.at(at(WRAP)), 5U);
+    EXPECT_EQ(clock.at(at(WRAP + 1'999'999)), 6U);
+    EXPECT_EQ(clock.at(at(-MS)), 5U) << "before the first";
     record_clock told{.start_ms = 5, .keeps_routers_own = false};
     EXPECT_EQ(told.at(at(1'000 * MS)), 5U);
     EXPECT_EQ(told.at(at(1'001 * MS)), 6U);
+}
+
+TEST(record_clock, tells_times_of_both_kinds_apart) {
+    record_clock router_first;
+    EXPECT_EQ(router_first.at(at(17 * MS)), 17U);
+    EXPECT_EQ(router_first.at(at(DATE)), 0U);
+    EXPECT_EQ(router_first.first_ns, DATE);
+    EXPECT_EQ(router_first.at(at(DATE + 2 * MS)), 2U);
+    EXPECT_EQ(router_first.at(at(19 * MS)), 19U);
+    EXPECT_EQ(router_first.at(at(WRAP / 2 + 19 * MS)), 0x80000013U);
+    EXPECT_EQ(router_first.at(at(WRAP + 19 * MS)), 0U) << "as far as that it is another clock";
+    record_clock date_first;
+    EXPECT_EQ(date_first.at(at(DATE)), 0U);
+    EXPECT_EQ(date_first.at(at(17 * MS)), 17U);
+    EXPECT_EQ(date_first.at(at(DATE + 2 * MS)), 2U);
+    EXPECT_EQ(date_first.first_ns, DATE);
 }
 
 TEST(record_clock, of_times_as_far_apart_as_can_be) {

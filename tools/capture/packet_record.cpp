@@ -165,14 +165,16 @@ std::optional<packet_source> find_packet_source(const capture_interface& describ
 }
 
 std::uint32_t record_clock::at(const captured_packet& packet) {
-    constexpr std::int64_t routers_end = (std::int64_t{1} << 32) * NS_PER_MS;
+    constexpr std::int64_t wrap = (std::int64_t{1} << 32) * NS_PER_MS;
     if (!packet.time_ns) {
         return latest_ms.value_or(start_ms);
     }
     const std::int64_t time = *packet.time_ns;
-    if (!first_ns) {
+    const bool routers_own = keeps_routers_own && time >= 0 && (time < wrap || time - routers_ns < wrap / 2);
+    if (routers_own) {
+        routers_ns = time;
+    } else if (!first_ns) {
         first_ns = time;
-        routers_own = keeps_routers_own && time >= 0 && time < routers_end;
     }
     const std::int64_t from = routers_own ? 0 : *first_ns;
     // As unsigned numbers, since the difference of two may need 64 bits.

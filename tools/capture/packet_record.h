@@ -33,14 +33,15 @@ struct packet_source {
 [[nodiscard]] std::optional<packet_source> find_packet_source(const capture_interface& described,
                                                               std::optional<int> channel_type);
 
-/// The clock of the records made of a capture: a router's own time stamps, below 2^32 ms, stay; others become the time
-/// since the first packet, in ms, to which `start_ms` is added. A packet from before the first counts as with it, one
-/// without a time as with that before it.
+/// The clock of the records made of a capture. A time stamp of a router's own clock, below 2^32 ms, stays; so does one
+/// beyond that comes less than 2^31 ms behind another, since that clock wraps. All others become the time since the
+/// first of them, in ms, to which `start_ms` is added. A packet from before that one counts as with it, one without a
+/// time as with the packet before it.
 struct record_clock {
     std::uint32_t start_ms = 0;
     bool keeps_routers_own = true;                // false: those count from the first packet, too
-    std::optional<std::int64_t> first_ns = {};    // of the first packet that had a time
-    bool routers_own = false;                     // what the first packet was found to have
+    std::optional<std::int64_t> first_ns = {};    // of the packet that the others count from, once it came
+    std::int64_t routers_ns = 0;                  // of the latest packet that had a time of a router's own clock
     std::optional<std::uint32_t> latest_ms = {};  // what at() gave last
 
     [[nodiscard]] std::uint32_t at(const captured_packet& packet);

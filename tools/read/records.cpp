@@ -46,7 +46,7 @@ traced_line* capture_records::next() {
             continue;
         }
         traced_line& line = lines_.line_of(from, packet_, reader_);
-        line.context.zero_is_time = line.begun && !clock_.routers_own;
+        line.context.zero_is_time = line.begun && clock_.first_ns.has_value();
         number_record(line, packet_.lost, record_);
         make_current(line);
         return &line;

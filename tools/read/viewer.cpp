@@ -97,13 +97,13 @@ private:
         display_record(line.context);
     }
 
-    /// Once, and only where the times count from the first packet.
+    /// Once, with the first packet that others count from.
     void tell_date() {
         const capture::record_clock& clock = records_.clock();
-        if (!date_told_ && clock.first_ns && !clock.routers_own) {
+        if (!date_told_ && clock.first_ns) {
             say(file_.name + ": 000000.000 is " + date_text(*clock.first_ns));
+            date_told_ = true;
         }
-        date_told_ = date_told_ || clock.first_ns.has_value();
     }
 
     /// Where the line changes, and at the first record where it may change.
