@@ -252,6 +252,16 @@ TEST(record_clock, of_times_as_far_apart_as_can_be) {
     record_clock clock;
     EXPECT_EQ(clock.at(at(-latest - 1)), 0U);
     EXPECT_EQ(clock.at(at(latest)), static_cast<std::uint32_t>(~std::uint64_t{0} / MS));
+    EXPECT_EQ(clock.at(at(0)), 0U);
+    EXPECT_EQ(clock.at(at(latest)), static_cast<std::uint32_t>(~std::uint64_t{0} / MS));
+}
+
+TEST(told_loss, is_at_most_what_a_line_can_tell) {
+    EXPECT_EQ(told_loss(0), 0U);
+    EXPECT_EQ(told_loss(0x7FFFFFFE), 0x7FFFFFFEU);
+    for (const std::uint64_t lost : {std::uint64_t{0x7FFFFFFF}, std::uint64_t{0x80000000}, ~std::uint64_t{0}}) {
+        EXPECT_EQ(told_loss(lost), 0x7FFFFFFFU) << lost;
+    }
 }
 
 }  // namespace

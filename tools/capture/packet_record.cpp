@@ -229,6 +229,11 @@ std::string short_packet_text(const captured_packet& packet, std::uint32_t link_
            std::to_string(link_type) + " has " + std::to_string(link_header_length(header));
 }
 
+std::uint32_t told_loss(std::uint64_t lost) {
+    constexpr std::uint64_t most = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::uint32_t>(std::min(lost, most));
+}
+
 bool rule_applies(const sent_rule& rule, int channel_type) {
     const bool by_mac = std::holds_alternative<mac_address>(rule);
     const bool by_ip = std::holds_alternative<std::uint32_t>(rule);

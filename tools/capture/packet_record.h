@@ -65,6 +65,9 @@ bool make_packet_record(const captured_packet& packet, const packet_source& sour
 /// link type 177 has 16".
 [[nodiscard]] std::string short_packet_text(const captured_packet& packet, std::uint32_t link_type);
 
+/// As many of a packet's lost ones as the line about lost messages can tell: its number is a signed one of 32 bits.
+[[nodiscard]] std::uint32_t told_loss(std::uint64_t lost);
+
 /// Whether the records of this channel type show the addresses that the rule goes by.
 [[nodiscard]] bool rule_applies(const sent_rule& rule, int channel_type);
 
