@@ -1,5 +1,6 @@
 #include "read/viewer.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include "base/print.h"
@@ -76,6 +77,8 @@ public:
         }
         const bool written = flush_output();
         erase_progress();
+        // Nothing is read of what stands behind damage.
+        end_file_progress(std::max(records_.octets_read(), file_.octets.value_or(0)), records_.packet().number);
         // An interrupt may come in the middle of a packet.
         const std::string error = interrupted() ? "" : records_.error();
         if (!error.empty()) {
