@@ -93,6 +93,26 @@ TEST(packet_record, direction_is_that_of_the_flags_then_the_header_then_the_rule
     EXPECT_FALSE(made_record({}, {0xFF}, source_of(9)).sent());
 }
 
+TEST(packet_record, of_arp_is_sent_by_the_address_that_asks_or_answers) {
+    constexpr std::uint32_t router = 0xC0000201;
+    octet_vector frame(12);
+    frame.insert(frame.end(), {0x08, 0x06, 0, 1, 0x08, 0, 6, 4, 0, 1, 2, 0, 0, 0, 0, 1, 192, 0, 2, 1});
+    frame.insert(frame.end(), {0, 0, 0, 0, 0, 0, 192, 0, 2, 2});
+    EXPECT_TRUE(made_record({}, frame, source_of(1), router).sent());
+    EXPECT_FALSE(made_record({}, frame, source_of(1), router + 1).sent()) << "whom it asks for";
+    octet_vector cut(frame.begin(), frame.begin() + 31);
+    EXPECT_FALSE(made_record({}, cut, source_of(1), 0xC0000200U).sent()) << "cut in the address";
+    frame[15] = 6;
+    EXPECT_FALSE(made_record({}, frame, source_of(1), router).sent()) << "of other hardware";
+}
+
+TEST(packet_record, tells_when_the_rule_was_asked) {
+    EXPECT_TRUE(made_record({}, {0xFF}, source_of(9)).record.sent_by_rule);
+    EXPECT_FALSE(made_record({.flags = PACKET_INBOUND}, {0xFF}, source_of(9)).record.sent_by_rule);
+    EXPECT_FALSE(made_record({}, {0, 0xFF}, source_of(204)).record.sent_by_rule);
+    EXPECT_FALSE(made_record({.id = 1}, {2, 1, 0x7F}, own_source(203, 0)).record.sent_by_rule);
+}
+
 TEST(packet_record, of_a_cooked_packet_is_an_ethernet_frame) {
     const octet_vector version_1 = {0, 4, 0, 1, 0, 6, 2, 0, 0, 0, 0, 9, 0, 0, 0x08, 0x00, 0x45, 0x00};
     const made_record sent({.original_length = 100}, version_1, source_of(113));

@@ -55,7 +55,8 @@ bool is_sent(const sent_rule& rule, int channel_type, std::span<const std::uint8
     if (const auto* const router = std::get_if<mac_address>(&rule)) {
         return fields && fields->mac && is_sent_from(*router, channel_type, *fields->mac);
     }
-    return fields && fields->ip && fields->ip->source == std::get<std::uint32_t>(rule);
+    const auto router = std::get<std::uint32_t>(rule);
+    return fields && ((fields->ip && fields->ip->source == router) || fields->arp_sender == router);
 }
 
 std::optional<bool> direction_of(std::uint32_t packet_flags) {
@@ -135,6 +136,7 @@ bool take_whole_record(const captured_packet& packet, record_clock& clock, packe
     made.header.timestamp_ms = clock.at(packet);
     made.original_length = load_be16(&packet.data[original_length]);
     made.own_sequence = true;
+    made.sent_by_rule = false;
     return true;
 }
 
@@ -210,8 +212,9 @@ bool make_packet_record(const captured_packet& packet, const packet_source& sour
     made.original_length = static_cast<std::uint32_t>(std::min<std::size_t>(original, ORIGINAL_LENGTH_MAXIMUM));
     made.own_sequence = source.own && packet.id.has_value();
     header.timestamp_ms = clock.at(packet);
+    const std::optional<bool> told = direction_of(packet.flags) ? direction_of(packet.flags) : facts.sent;
+    made.sent_by_rule = !made.own_sequence && !told;
     if (!made.own_sequence) {
-        const std::optional<bool> told = direction_of(packet.flags) ? direction_of(packet.flags) : facts.sent;
         const bool by_router = told ? *told : is_sent(sent, source.channel_type, made.octets);
         header.record_flags |= by_router ? RECORD_SENT : 0;
     }
@@ -237,8 +240,11 @@ std::uint32_t told_loss(std::uint64_t lost) {
 bool rule_applies(const sent_rule& rule, int channel_type) {
     const bool by_mac = std::holds_alternative<mac_address>(rule);
     const bool by_ip = std::holds_alternative<std::uint32_t>(rule);
+    if (!by_mac && !by_ip) {
+        return true;
+    }
     const bool has_addresses = read_frame_fields(channel_type, {}).has_value();
-    return by_mac ? has_addresses && channel_type != CHANNEL_TUNNEL : !by_ip || has_addresses;
+    return has_addresses && (by_ip || channel_type != CHANNEL_TUNNEL);
 }
 
 }  // namespace ifwatch::capture

@@ -53,6 +53,7 @@ struct packet_record {
     std::uint32_t original_length = 0;  // at most 65535, as its field holds; to be shown as 0 with nothing captured
     std::span<std::uint8_t> octets;     // that were captured: where the packet has them, or put together elsewhere
     bool own_sequence = false;          // the sequence number is the router's: the packet has it noted
+    bool sent_by_rule = false;          // nothing in the capture tells the direction, so the rule was asked
 };
 
 /// Makes the record of a packet, of at most RECORD_DATA_MAXIMUM octets. They stay where they are in the packet; with

@@ -72,6 +72,7 @@ public:
     bool show() {
         for (traced_line* line = records_.next(); line != nullptr && output_error() == 0; line = records_.next()) {
             tell_date();
+            tell_missing_address(*line);
             show_record(*line);
             counts_.add_shown();
         }
@@ -109,6 +110,15 @@ private:
         }
     }
 
+    /// Once: an address was given to tell what was sent, but the frames of an interface have none.
+    void tell_missing_address(const traced_line& line) {
+        if (!address_told_ && records_.lacks_address(line)) {
+            say(file_.name + ": the address of --sent is not in the frames of " + sim::on_one_line(line.identity.name) +
+                " (" + type_text(line.context.channel_type) + "): they count as received");
+            address_told_ = true;
+        }
+    }
+
     /// Where the line changes, and at the first record where it may change.
     void name_line(const traced_line& line) {
         if (line.serial == shown_last_) {
@@ -127,6 +137,7 @@ private:
     capture_records records_;
     std::uint64_t shown_last_ = 0;  // the serial number of its line
     bool date_told_ = false;
+    bool address_told_ = false;
 };
 
 }  // namespace
