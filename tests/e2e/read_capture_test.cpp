@@ -103,7 +103,8 @@ pcapng_octets& add_lossy(pcapng_octets& file, std::uint32_t interface_id, std::u
 TEST(read_losses, of_more_than_can_be_told_are_the_most_that_can) {
     pcapng_octets file;
     file.section().interface(ETHERNET);
-    for (const std::uint64_t lost : {5'000'000'000, 3'000'000'000, std::int64_t{1} << 32}) {
+    for (const std::uint64_t lost :
+         {std::uint64_t{5'000'000'000}, std::uint64_t{3'000'000'000}, std::uint64_t{1} << 32}) {
         add_lossy(file, 0, lost, ethernet_frame());
     }
     add_lossy(file, 0, ~std::uint64_t{0}, ethernet_frame());
@@ -118,7 +119,7 @@ TEST(read_losses, of_more_than_can_be_told_are_the_most_that_can) {
 TEST(read_losses, behind_number_0_are_told) {
     pcapng_octets file;
     file.section().interface(ETHERNET);
-    for (const std::uint64_t lost : {2'147'483'647, 2'147'483'646, 5}) {
+    for (const std::uint64_t lost : {2'147'483'647U, 2'147'483'646U, 5U}) {
         add_lossy(file, 0, lost, ethernet_frame());
     }
     EXPECT_THAT(read_input(file.text()).output, HasSubstr("### 2147483646 messages have been lost 0 -2147483646\n"));
