@@ -1,11 +1,12 @@
 // The analyser's plug-in at full speed, with one interface and with many: processor time of whole runs without what
 // opening the sessions takes, and the memory that an interface adds.
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "child.h"
@@ -46,19 +47,33 @@ command capture(const workplace& place, const server& feeder, unsigned interface
             indexes};
 }
 
-/// A run into a pipe that is read as fast as it fills.
-ended_child run(const command& what) {
+/// Reads what the child writes, as fast as it comes. Returns the most memory that it had, in KiB.
+long drain_and_watch(int fd, pid_t child) {
+    constexpr int OCCASIONALLY = 100;
+    std::vector<char> buffer(1 << 17);
+    long most = 0;
+    for (int count = 0; read(fd, buffer.data(), buffer.size()) > 0; ++count) {
+        most = count % OCCASIONALLY == 0 ? std::max(most, most_memory(child)) : most;
+    }
+    return most;
+}
+
+struct watched_run {
+    double processor_seconds;
+    long most_memory_kib;
+};
+
+watched_run run(const command& what) {
     pipe_pair output;
-    std::thread reader([&] { drain(output.reading()); });
     const pid_t child = start(what, {.output = output.writing()});
-    const ended_child ended = wait_for(child);
     output.close_writing();
-    reader.join();
+    const long memory = drain_and_watch(output.reading(), child);
+    const ended_child ended = wait_for(child);
     if (child < 0 || ended.status != 0) {
         static_cast<void>(std::fprintf(stderr, "measure: %s failed\n", what[0].c_str()));
         std::exit(1);
     }
-    return ended;
+    return {.processor_seconds = ended.processor_seconds, .most_memory_kib = memory};
 }
 
 /// A feeder of all records and one of a record for each interface, which costs what opening the sessions does.
@@ -72,7 +87,7 @@ public:
 
     /// Microseconds a record.
     double take_turn() {
-        const ended_child ended = run(whole_);
+        const watched_run ended = run(whole_);
         memory_.push_back(static_cast<double>(ended.most_memory_kib));
         times_.push_back((ended.processor_seconds - run(opening_).processor_seconds) * 1e6 / RECORDS);
         return times_.back();

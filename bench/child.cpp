@@ -10,8 +10,10 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <string_view>
 #include <thread>
 
 namespace ifwatch::bench {
@@ -30,13 +32,12 @@ double seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
-/// Resident memory in KiB, page by page and not as the system estimates it; 0 where it cannot be told.
-long resident_memory(pid_t child) {
-    std::ifstream file("/proc/" + std::to_string(child) + "/smaps_rollup");
+/// What the child's file of the system says behind the name, in KiB; 0 where it cannot be told.
+long kibibytes_of(pid_t child, const char* name, std::string_view label) {
+    std::ifstream file("/proc/" + std::to_string(child) + "/" + name);
     for (std::string line; std::getline(file, line);) {
-        long kibibytes = 0;
-        if (std::sscanf(line.c_str(), "Rss: %ld", &kibibytes) == 1) {  // NOLINT(*-err34-c): a number of the system
-            return kibibytes;
+        if (line.starts_with(label)) {
+            return std::strtol(line.c_str() + label.size(), nullptr, 10);
         }
     }
     return 0;
@@ -89,8 +90,7 @@ ended_child wait_for(pid_t child) {
         }
     }
     return {.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1,
-            .processor_seconds = seconds(usage.ru_utime) + seconds(usage.ru_stime),
-            .most_memory_kib = usage.ru_maxrss};
+            .processor_seconds = seconds(usage.ru_utime) + seconds(usage.ru_stime)};
 }
 
 pipe_pair::pipe_pair() {
@@ -111,8 +111,11 @@ long memory_asleep(pid_t child) {
     while (!sleeps(child)) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    return resident_memory(child);
+    return kibibytes_of(child, "smaps_rollup", "Rss:");  // page by page, not as the system estimates it
 }
+
+// Not what wait4 tells, which is at least what the process had that started the child.
+long most_memory(pid_t child) { return kibibytes_of(child, "status", "VmHWM:"); }
 
 std::size_t drain(int fd) {
     std::vector<char> buffer(1 << 17);

@@ -20,7 +20,6 @@ struct streams {
 struct ended_child {
     int status = -1;               // the exit status; -1: ended by a signal
     double processor_seconds = 0;  // in the program and in the system on its behalf
-    long most_memory_kib = 0;      // resident
 };
 
 ended_child wait_for(pid_t child);
@@ -28,6 +27,9 @@ ended_child wait_for(pid_t child);
 /// The resident memory in KiB, page by page and not as the system estimates it, of a program once it sleeps; 0 where it
 /// cannot be told.
 [[nodiscard]] long memory_asleep(pid_t child);
+
+/// The most resident memory in KiB that a running program has had so far; 0 where it cannot be told.
+[[nodiscard]] long most_memory(pid_t child);
 
 /// Both ends of a pipe that programs started later do not inherit; closed in the end.
 class pipe_pair {

@@ -4,12 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "capture/channel_types.h"
 #include "sim/case_text.h"
 #include "support/process.h"
 #include "support/programs.h"
@@ -88,13 +90,17 @@ TEST_P(round_trip, of_a_capture_by_the_plug_in_has_all) {
 TEST_P(round_trip, of_classic_pcap_has_the_frames_and_their_times) {
     const simulator original({case_text(sample, GetParam())});
     live(original, {"--pcap-file", "--ofile=" + capture});
-    // No room for: directions, records without octets, events and SAP, VPI and VCI, marks of cells, sequence numbers.
+    // No room for: directions, records without octets, events and SAP, VPI and VCI, marks of cells, sequence numbers,
+    // the two octets in front of a tunnel's frame.
     std::erase_if(sample.records, [](const auto& record) { return record.data.empty(); });
     std::uint32_t sequence = 0;
     for (sim::case_record& record : sample.records) {
         record.flags = 0;
         record.info = 0;
         record.sequence = ++sequence;
+        if (sample.channel_type == capture::CHANNEL_TUNNEL) {
+            std::ranges::copy(std::array<std::uint8_t, 2>{0x00, 0x21}, record.data.begin());
+        }
     }
     const simulator reduced({case_text(sample, GetParam())});
     for (const std::string& options : sample.options) {
@@ -102,6 +108,34 @@ TEST_P(round_trip, of_classic_pcap_has_the_frames_and_their_times) {
         EXPECT_EQ(shown(joined(words, {"--type", std::to_string(sample.channel_type)})), live(reduced, words))
             << options;
     }
+}
+
+/// What stands behind the lines that name the interface.
+std::string shown_of(const std::string& text, const std::string& name) {
+    std::istringstream lines(text);
+    std::string shown;
+    bool is_of = false;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("=== ")) {
+            is_of = line.starts_with("=== " + name + ": ");
+        } else if (is_of) {
+            shown += line + "\n";
+        }
+    }
+    return shown;
+}
+
+TEST(sample_captures, of_two_interfaces_shows_what_the_cases_of_both_show) {
+    const std::string cases = std::string(SAMPLES_DIRECTORY) + "/../tools/docs/dial-in/";
+    std::string line;
+    std::string channel;
+    ASSERT_TRUE(read_file(cases + "d-channel.case", line) && read_file(cases + "b-channel.case", channel));
+    const simulator router({line, channel});
+    const outcome got =
+        run({IFWATCH_READ_PROGRAM, {"-2", "-3", "-p", "-i", SAMPLES_DIRECTORY + std::string("/dial-in.pcapng")}});
+    EXPECT_EQ(got.status, 0) << got.errors;
+    EXPECT_EQ(shown_of(got.output, "ifwatch-2100"), router.watch({"-2", "-3"}, {"2100"}).output);
+    EXPECT_EQ(shown_of(got.output, "ifwatch-2101"), router.watch({"-p", "-i"}, {"2101"}).output);
 }
 
 TEST(sample_captures, show_what_their_cases_show) {

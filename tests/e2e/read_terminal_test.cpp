@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
@@ -15,6 +16,7 @@
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/pseudo_terminal.h"
+#include "support/shown_capture.h"
 #include "support/temp_directory.h"
 
 namespace ifwatch::test {
@@ -26,12 +28,6 @@ using testing::Not;
 using testing::StartsWith;
 
 using octet_list = std::vector<std::uint8_t>;
-
-octet_list ethernet_frame() {
-    octet_list frame = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x02, 0, 0, 0, 0, 1, 0x08, 0x06};
-    frame.resize(60);
-    return frame;
-}
 
 /// A PAP request whose name holds what would clear a screen.
 octet_list hostile_login() {
@@ -56,6 +52,29 @@ protected:
             octets.packet(static_cast<std::uint32_t>(i) + 1, 0, packet);
         }
         ASSERT_TRUE(write_file(file, octets.text()));
+    }
+
+    /// Shows files in hexadecimal with the error stream on a terminal. The output is taken when a second has passed;
+    /// until then the reader waits for room in the pipe.
+    static outcome show_slowly(std::vector<std::string> files) {
+        files.insert(files.begin(), "-h");
+        pseudo_terminal screen;
+        octet_pipe output;
+        process running({.program = IFWATCH_READ_PROGRAM,
+                         .arguments = std::move(files),
+                         .output_fd = output.writer(),
+                         .errors_fd = screen.stream()});
+        std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+        std::array<char, 65536> block{};
+        std::thread taker([&] {
+            while (read(output.reader(), block.data(), block.size()) > 0) {
+            }
+        });
+        outcome got = running.wait();
+        output.close_writer();
+        taker.join();
+        got.errors = screen.take();
+        return got;
     }
 
     temp_directory directory;
@@ -96,25 +115,27 @@ TEST_F(read_on_terminal, a_short_run_shows_no_progress) {
 
 TEST_F(read_on_terminal, progress_shows_after_a_second_and_is_gone_at_the_end) {
     write_capture(1, ethernet_frame(), 20000);
-    pseudo_terminal screen;
-    const octet_pipe output;
-    process running({.program = IFWATCH_READ_PROGRAM,
-                     .arguments = {"-h", file},
-                     .output_fd = output.writer(),
-                     .errors_fd = screen.stream()});
-    // The reader waits for room in the pipe, and goes on when a second has passed.
-    std::this_thread::sleep_for(std::chrono::milliseconds(1100));
-    std::array<char, 65536> block{};
-    std::thread taker([&] {
-        while (read(output.reader(), block.data(), block.size()) > 0) {
-        }
-    });
-    EXPECT_EQ(running.wait().status, 0);
-    const_cast<octet_pipe&>(output).close_writer();
-    taker.join();
-    const std::string shown = screen.take();
-    EXPECT_THAT(shown, HasSubstr(" % read, "));
-    EXPECT_THAT(shown, EndsWith("\r\x1b[Kifwatch-read: 20000 packets shown\n"));
+    const outcome got = show_slowly({file});
+    EXPECT_EQ(got.status, 0);
+    EXPECT_THAT(got.errors, HasSubstr(" % read, "));
+    EXPECT_THAT(got.errors, EndsWith("\r\x1b[Kifwatch-read: 20000 packets shown\n"));
+}
+
+TEST_F(read_on_terminal, progress_is_that_of_all_files) {
+    // Nothing is shown of the first, which is read at once; the second is at its beginning when the line appears.
+    write_capture(201, ethernet_frame(), 20000);
+    const std::string first = directory.file("first.pcap");
+    std::filesystem::rename(file, first);
+    write_capture(1, ethernet_frame(), 20000);
+    const std::string empty = directory.write("empty.pcap", "");
+    const outcome got = show_slowly({first, empty, file});
+    EXPECT_EQ(got.status, 1) << "of the empty file";
+    const std::size_t line = got.errors.find(" % read, ");
+    ASSERT_NE(line, std::string::npos) << got.errors;
+    EXPECT_GE(std::stoi(got.errors.substr(line - 3)), 50);
+    EXPECT_GE(std::stoi(got.errors.substr(line + 9)), 20000);
+    EXPECT_THAT(got.errors,
+                EndsWith("\r\x1b[Kifwatch-read: 20000 packets shown, 20000 of link type 201 (no decoder)\n"));
 }
 
 TEST_F(read_on_terminal, a_terminal_as_its_input_is_a_mistake) {

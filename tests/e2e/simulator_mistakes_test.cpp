@@ -37,9 +37,9 @@ TEST(simulator, names_mistakes_in_one_line) {
     const std::pair<std::vector<std::string>, std::string> mistakes[] = {
         {{}, "no case file given (--help tells more)"},
         {{"--nonsense", good}, "unknown option '--nonsense' (--help tells more)"},
-        {{"-xv", good}, "unknown option '-x' (--help tells more)"},
-        {{"--once=1", good}, "--once takes no argument (--help tells more)"},
-        {{good, "--port"}, "--port takes a port from 0 to 65535, and none is given (--help tells more)"},
+        {{"-xv", good}, "unknown option '-xv' (--help tells more)"},
+        {{"--once=1", good}, "--once takes no argument, not '1' (--help tells more)"},
+        {{good, "--port"}, "--port: 1 required argument (a port from 0 to 65535) is missing (--help tells more)"},
         {{"--fault", "drip", "--fault", "cut=1", good},
          "--fault takes one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, "
          "length=record:N:LENGTH "

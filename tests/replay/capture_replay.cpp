@@ -1,7 +1,7 @@
-// Reads captures damaged: every case as classic PCAP and as pcapng, cut at every length, and with each octet in turn
-// set to a few values. Built with the address and undefined-behaviour sanitizers; beside them, what is shown of a cut
-// capture has to be the beginning of what is shown of one that is longer. Usage: capture_replay CASE...
-// or, for captures of somebody else's, which are shown as they are: capture_replay CAPTURE...
+// Reads captures damaged: every case as classic PCAP and as pcapng, each in two forms, cut at every length, and with
+// each octet in turn set to a few values. Built with the address and undefined-behaviour sanitizers; beside them, what
+// is shown of a cut capture has to be the beginning of what is shown of one that is longer. Usage: capture_replay
+// CASE... or, for captures of somebody else's, which are shown as they are: capture_replay CAPTURE...
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -13,16 +13,20 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/print.h"
 #include "capture/own_capture.h"
+#include "capture/pcapng_blocks.h"
 #include "capture/pcapng_writer.h"
 #include "read/viewer.h"
 #include "sim/capture_export.h"
 #include "sim/case_file.h"
 #include "sim/input_file.h"
 #include "support/case_options.h"
+#include "support/pcap_octets.h"
+#include "support/pcapng_octets.h"
 
 namespace {
 
@@ -149,6 +153,37 @@ octet_list pcapng_of(const sim::trace_case& trace) {
     return file;
 }
 
+/// In the other byte order, and with times in nanoseconds.
+octet_list big_endian_pcap_of(const sim::trace_case& trace) {
+    test::pcap_octets file(true);
+    file.header(capture::LINK_USER0, 0xA1B23C4D);
+    for (const sim::case_record& record : trace.records) {
+        file.packet(record.timestamp_ms / 1000, record.timestamp_ms % 1000 * 1'000'000, record.data,
+                    record.original_length);
+    }
+    return file.octets();
+}
+
+/// Big-endian, and with the packets that nobody here writes: simple and obsolete ones in turn.
+octet_list other_pcapng_of(const sim::trace_case& trace) {
+    test::pcapng_octets file(true);
+    file.section().interface(capture::LINK_USER0);
+    bool simple = true;
+    for (const sim::case_record& record : trace.records) {
+        const auto length = static_cast<std::uint32_t>(record.data.size());
+        if (simple) {
+            file.block(capture::BLOCK_SIMPLE_PACKET, file.empty().word(length).padded(record.data));
+        } else {
+            test::pcapng_octets body = file.empty().half(0).half(record.sequence % 3);
+            body.word(0).word(record.timestamp_ms * 1000).word(length).word(record.original_length).padded(record.data);
+            body.word_option(capture::PACKET_FLAGS, capture::PACKET_OUTBOUND).end_options();
+            file.block(capture::BLOCK_PACKET, body);
+        }
+        simple = !simple;
+    }
+    return file.octets();
+}
+
 /// A capture as it is; all decoders are on.
 bool replay_capture(const std::string& path, std::size_t& read) {
     std::string text;
@@ -178,10 +213,19 @@ bool replay(const std::string& path, std::size_t& read) {
         static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
         return false;
     }
-    const std::size_t classic = capture_replay(path + " as PCAP", trace).damage(pcap);
-    const std::size_t blocks = capture_replay(path + " as pcapng", trace).damage(pcapng_of(trace));
-    read += classic + blocks;
-    return classic != 0 && blocks != 0;
+    const std::pair<const char*, octet_list> forms[] = {
+        {" as PCAP", pcap},
+        {" as pcapng", pcapng_of(trace)},
+        {" as big-endian PCAP", big_endian_pcap_of(trace)},
+        {" as big-endian pcapng", other_pcapng_of(trace)},
+    };
+    bool held = true;
+    for (const auto& [form, octets] : forms) {
+        const std::size_t shown = capture_replay(path + form, trace).damage(octets);
+        read += shown;
+        held = held && shown != 0;
+    }
+    return held;
 }
 
 }  // namespace

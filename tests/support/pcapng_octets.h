@@ -65,6 +65,7 @@ public:
     [[nodiscard]] pcapng_octets empty() const { return pcapng_octets(big_endian_); }
 
     [[nodiscard]] const std::vector<std::uint8_t>& octets() const { return octets_; }
+    [[nodiscard]] std::string text() const { return {octets_.begin(), octets_.end()}; }
 
 private:
     pcapng_octets& number(std::uint64_t value, int octets) {

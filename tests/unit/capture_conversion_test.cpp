@@ -232,6 +232,12 @@ TEST(import_capture, pcapng_tells_directions_and_what_was_lost) {
               "# 2 packets\n");
 }
 
+TEST(import_capture, a_loss_is_at_most_what_a_trace_can_tell) {
+    pcapng_octets file = begun({{203, {}}});
+    file.block(6, file.packet_body(0, 0, UA).long_option(4, 5'000'000'000));
+    EXPECT_NE(imported_text(file.octets(), {}).text.find("record R 0 sequence=2147483648\n"), std::string::npos);
+}
+
 TEST(import_capture, what_ifwatch_extcap_wrote_keeps_its_sequence_numbers) {
     pcapng_octets file = begun({{203, 0}});
     file.block(6, file.packet_body(0, 5'000'000, UA).long_option(5, 0x0000'0401'0000'0010));

@@ -245,11 +245,11 @@ TEST(extcap_options, mistakes_are_named_and_the_fifo_is_known_all_the_same) {
     EXPECT_EQ(call.options.what, call::CAPTURE);
     EXPECT_EQ(parsed({"--unheard"}).error, "unknown option '--unheard'");
     EXPECT_EQ(parsed({"--unheard=1", "--extcap-interfaces"}).error, "unknown option '--unheard=1'");
-    EXPECT_EQ(parsed({"-zz", "--extcap-interfaces"}).error, "unknown option '-z'");
-    EXPECT_EQ(parsed({"--extcap-interfaces", "-hyz"}).error, "unknown option '-y'");
-    EXPECT_EQ(parsed({"--help=3"}).error, "--help takes no argument");
-    EXPECT_EQ(parsed({"--capture=3"}).error, "--capture takes no argument");
-    EXPECT_EQ(parsed({"--fifo"}).error, "no argument behind '--fifo'");
+    EXPECT_EQ(parsed({"-zz", "--extcap-interfaces"}).error, "unknown option '-zz'");
+    EXPECT_EQ(parsed({"--extcap-interfaces", "-hyz"}).error, "unknown option '-yz'");
+    EXPECT_EQ(parsed({"--help=3"}).error, "--help takes no argument, not '3'");
+    EXPECT_EQ(parsed({"--capture=3"}).error, "--capture takes no argument, not '3'");
+    EXPECT_EQ(parsed({"--fifo"}).error, "--fifo: 1 required argument (a file name) is missing");
     EXPECT_EQ(parsed({"--extcap-interfaces", "more"}).error, "not an option: 'more'");
     EXPECT_EQ(parsed({}).error, "nothing to do");
     EXPECT_EQ(parsed({"--extcap-dlts", "--extcap-interface", "eth0"}).error,

@@ -93,6 +93,26 @@ TEST(packet_record, direction_is_that_of_the_flags_then_the_header_then_the_rule
     EXPECT_FALSE(made_record({}, {0xFF}, source_of(9)).sent());
 }
 
+TEST(packet_record, of_arp_is_sent_by_the_address_that_asks_or_answers) {
+    constexpr std::uint32_t router = 0xC0000201;
+    octet_vector frame(12);
+    frame.insert(frame.end(), {0x08, 0x06, 0, 1, 0x08, 0, 6, 4, 0, 1, 2, 0, 0, 0, 0, 1, 192, 0, 2, 1});
+    frame.insert(frame.end(), {0, 0, 0, 0, 0, 0, 192, 0, 2, 2});
+    EXPECT_TRUE(made_record({}, frame, source_of(1), router).sent());
+    EXPECT_FALSE(made_record({}, frame, source_of(1), router + 1).sent()) << "whom it asks for";
+    octet_vector cut(frame.begin(), frame.begin() + 31);
+    EXPECT_FALSE(made_record({}, cut, source_of(1), 0xC0000200U).sent()) << "cut in the address";
+    frame[15] = 6;
+    EXPECT_FALSE(made_record({}, frame, source_of(1), router).sent()) << "of other hardware";
+}
+
+TEST(packet_record, tells_when_the_rule_was_asked) {
+    EXPECT_TRUE(made_record({}, {0xFF}, source_of(9)).record.sent_by_rule);
+    EXPECT_FALSE(made_record({.flags = PACKET_INBOUND}, {0xFF}, source_of(9)).record.sent_by_rule);
+    EXPECT_FALSE(made_record({}, {0, 0xFF}, source_of(204)).record.sent_by_rule);
+    EXPECT_FALSE(made_record({.id = 1}, {2, 1, 0x7F}, own_source(203, 0)).record.sent_by_rule);
+}
+
 TEST(packet_record, of_a_cooked_packet_is_an_ethernet_frame) {
     const octet_vector version_1 = {0, 4, 0, 1, 0, 6, 2, 0, 0, 0, 0, 9, 0, 0, 0x08, 0x00, 0x45, 0x00};
     const made_record sent({.original_length = 100}, version_1, source_of(113));
@@ -207,26 +227,44 @@ TEST(packet_record, holds_8192_octets_with_those_in_front) {
 
 captured_packet at(std::int64_t time_ns) { return {.time_ns = time_ns}; }
 
+constexpr std::int64_t WRAP = (std::int64_t{1} << 32) * MS;
+constexpr std::int64_t DATE = 1'600'000'000'000 * MS;
+
 TEST(record_clock, keeps_the_time_of_a_router) {
     record_clock clock{.start_ms = 5};
     EXPECT_EQ(clock.at(at(1'000 * MS)), 1'000U);
     EXPECT_EQ(clock.at(at(900 * MS)), 900U);
-    EXPECT_EQ(clock.at(at((std::int64_t{1} << 32) * MS + 7 * MS)), 7U) << "its clock has begun anew";
-    EXPECT_EQ(clock.at({}), 7U) << "without a time";
-    EXPECT_EQ(clock.at(at(-MS)), 0U);
+    EXPECT_EQ(clock.at({}), 900U) << "without a time";
+    EXPECT_EQ(clock.at(at(WRAP - 1)), 0xFFFFFFFFU);
+    EXPECT_EQ(clock.at(at(WRAP + 7 * MS)), 7U) << "its clock has begun anew";
+    EXPECT_FALSE(clock.first_ns);
 }
 
 TEST(record_clock, counts_from_the_first_packet_else) {
     record_clock clock{.start_ms = 5};
-    const std::int64_t first = (std::int64_t{1} << 32) * MS;
     EXPECT_EQ(clock.at({}), 5U);
-    EXPECT_EQ(clock.at(at(first)), 5U);
-    EXPECT_EQ(clock.at(at(first + 1'999'999)), 6U);
-    EXPECT_EQ(clock.at(at(first - MS)), 5U) << "before the first";
-    EXPECT_EQ(clock.at(at(17)), 5U);
+    EXPECT_EQ(clock.at(at(WRAP)), 5U);
+    EXPECT_EQ(clock.at(at(WRAP + 1'999'999)), 6U);
+    EXPECT_EQ(clock.at(at(-MS)), 5U) << "before the first";
     record_clock told{.start_ms = 5, .keeps_routers_own = false};
     EXPECT_EQ(told.at(at(1'000 * MS)), 5U);
     EXPECT_EQ(told.at(at(1'001 * MS)), 6U);
+}
+
+TEST(record_clock, tells_times_of_both_kinds_apart) {
+    record_clock router_first;
+    EXPECT_EQ(router_first.at(at(17 * MS)), 17U);
+    EXPECT_EQ(router_first.at(at(DATE)), 0U);
+    EXPECT_EQ(router_first.first_ns, DATE);
+    EXPECT_EQ(router_first.at(at(DATE + 2 * MS)), 2U);
+    EXPECT_EQ(router_first.at(at(19 * MS)), 19U);
+    EXPECT_EQ(router_first.at(at(WRAP / 2 + 19 * MS)), 0x80000013U);
+    EXPECT_EQ(router_first.at(at(WRAP + 19 * MS)), 0U) << "as far as that it is another clock";
+    record_clock date_first;
+    EXPECT_EQ(date_first.at(at(DATE)), 0U);
+    EXPECT_EQ(date_first.at(at(17 * MS)), 17U);
+    EXPECT_EQ(date_first.at(at(DATE + 2 * MS)), 2U);
+    EXPECT_EQ(date_first.first_ns, DATE);
 }
 
 TEST(record_clock, of_times_as_far_apart_as_can_be) {
@@ -234,6 +272,16 @@ TEST(record_clock, of_times_as_far_apart_as_can_be) {
     record_clock clock;
     EXPECT_EQ(clock.at(at(-latest - 1)), 0U);
     EXPECT_EQ(clock.at(at(latest)), static_cast<std::uint32_t>(~std::uint64_t{0} / MS));
+    EXPECT_EQ(clock.at(at(0)), 0U);
+    EXPECT_EQ(clock.at(at(latest)), static_cast<std::uint32_t>(~std::uint64_t{0} / MS));
+}
+
+TEST(told_loss, is_at_most_what_a_line_can_tell) {
+    EXPECT_EQ(told_loss(0), 0U);
+    EXPECT_EQ(told_loss(0x7FFFFFFE), 0x7FFFFFFEU);
+    for (const std::uint64_t lost : {std::uint64_t{0x7FFFFFFF}, std::uint64_t{0x80000000}, ~std::uint64_t{0}}) {
+        EXPECT_EQ(told_loss(lost), 0x7FFFFFFFU) << lost;
+    }
 }
 
 }  // namespace

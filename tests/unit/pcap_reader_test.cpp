@@ -95,8 +95,8 @@ TEST(pcap_reader, check_sequences_are_taken_off) {
 }
 
 TEST(pcap_reader, says_what_is_no_pcap_file) {
-    EXPECT_EQ(error_of({}), "offset 0: this is no PCAP or pcapng file");
-    EXPECT_EQ(error_of(THREE), "offset 0: this is no PCAP or pcapng file");
+    EXPECT_EQ(error_of({}), "offset 0: the file is empty");
+    EXPECT_EQ(error_of(THREE), "offset 0: the number that tells its format is cut off: 3 of 4 octets held");
     EXPECT_EQ(error_of(SIX), "offset 0: this is no PCAP or pcapng file");
     EXPECT_EQ(error_of(pcap_octets(true).word(0xA1B2C3D4).half(3).half(1).word(0).word(0).word(0).word(1).octets()),
               "offset 4: version 3.1 of the format is not known");

@@ -197,7 +197,7 @@ TEST(pcapng_reader, every_cut_gives_the_packets_before_it_and_one_reason) {
         EXPECT_EQ(got.error.empty(), between) << got.error;
         EXPECT_EQ(got.error.find('\n'), std::string::npos);
     }
-    EXPECT_EQ(error_of(whole.first(3)), "offset 0: this is no PCAP or pcapng file");
+    EXPECT_EQ(error_of(whole.first(3)), "offset 0: the number that tells its format is cut off: 3 of 4 octets held");
     EXPECT_EQ(error_of(whole.first(11)), "block at offset 0: its header is cut off: 11 of 12 octets held");
     EXPECT_EQ(error_of(whole.first(27)), "block at offset 0: 28 octets announced, 27 held");
     EXPECT_EQ(error_of(whole.first(55)), "block at offset 48: its header is cut off: 7 of 8 octets held");

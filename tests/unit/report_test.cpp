@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/print.h"
+#include "display/channel_display.h"
 #include "isdn/bearer_capability.h"
 #include "isdn/high_layer.h"
 #include "read/report/call_message.h"
@@ -111,6 +112,21 @@ TEST(TroubleList, ShowsTenAndCountsTheRest) {
     const std::string lines = lines_of(troubles);
     EXPECT_EQ(lines.substr(0, lines.find('\n')), "  9.001 #999 x: 999");
     EXPECT_NE(lines.find("  and 990 more\n"), std::string::npos);
+}
+
+TEST(TroubleList, WordsOnlySoMany) {
+    trouble_list troubles;
+    const journal about{&troubles, nullptr, "2100", {}, 0, true};
+    for (std::uint32_t i = 0; i < trouble_list::MOST_WORDED + 5; ++i) {
+        tell_trouble<"the same">(about, {i, i});
+    }
+    tell_trouble<"new">(about, {20'000, 20'000});
+    troubles.begin_end();
+    tell_trouble<"at the end">(about, {5, 5});
+    EXPECT_EQ(lines_of(troubles),
+              "  0.000 #0 2100: the same (10000 times at least, the last at 9.999 #9999)\n"
+              "  0.005 #5 2100: at the end\n"
+              "  and 6 more\n");
 }
 
 TEST(Page, SaysTimesAsOneSaysThem) {
@@ -252,7 +268,7 @@ struct fed_report {
     void take(std::size_t line, std::vector<std::uint8_t> data, bool sent = true) {
         ++header.sequence;
         header.timestamp_ms += 10;
-        header.record_flags = sent ? 1 : 0;
+        header.record_flags = (header.record_flags & ~RECORD_SENT) | (sent ? RECORD_SENT : 0);
         context.header = &header;
         context.payload = octets_of(data);
         context.original_length = static_cast<std::uint32_t>(data.size());
@@ -339,6 +355,18 @@ TEST(ReportRun, AFloodOfSynsMakesADullPage) {
     const std::string page = fed.page();
     EXPECT_LT(page.size(), 4096U);
     EXPECT_NE(page.find("20000 TCP connections asked for, 0 answered"), std::string::npos) << page;
+}
+
+TEST(ReportRun, CellsOfCircuitsBeyondTheBoundAreOnlyCounted) {
+    fed_report fed;
+    const std::size_t line = fed.report.begin_interface("6000", 3, 0);
+    fed.header.record_flags = RECORD_CELL_HEADER;
+    for (std::size_t i = 0; i < cell_tracker::MOST_CIRCUITS + 3; ++i) {
+        // VCI i, PTI 5: a cell from end to end, with a continuity check in it
+        fed.take(line, {0x0A, static_cast<std::uint8_t>(i << 4), static_cast<std::uint8_t>(i >> 4), 0x00, 0x14}, false);
+    }
+    const std::string page = fed.page();
+    EXPECT_NE(page.find("  and 3 cells of further circuits\n"), std::string::npos) << page;
 }
 
 TEST(ReportRun, InterfacesBeyondItsBoundAreOnlyCounted) {

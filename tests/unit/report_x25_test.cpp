@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <ctime>
 #include <string>
 #include <vector>
 
@@ -169,6 +171,65 @@ TEST(X25Tracker, RemembersNoMoreThanItsBound) {
     std::vector<std::uint8_t> restart = {0x10, 0x00, 0xFB, 0x00, 0x00};
     take_x25(tracker, about, {{30'000, 30'000}, true, true, octets_of(restart)}, 4);
     finish_x25(tracker, about);
+}
+
+/// Processor time that a thousand calls on one link take, each ended by a restart, beside calls that last on another.
+double time_of_restarts(int lasting) {
+    const auto packet = [](int channel, int type) {
+        return std::vector<std::uint8_t>{static_cast<std::uint8_t>(0x10 | channel >> 8),
+                                         static_cast<std::uint8_t>(channel), static_cast<std::uint8_t>(type), 0, 0};
+    };
+    trouble_list troubles;
+    allowance shared;
+    const journal about{&troubles, &shared, "test", {}, 0, true};
+    x25_tracker tracker;
+    for (int channel = 1; channel <= lasting; ++channel) {
+        std::vector<std::uint8_t> call = packet(channel, X25_CALL);
+        take_x25(tracker, about, {{1, 1}, true, true, octets_of(call)}, 65);
+    }
+    std::vector<std::uint8_t> call = packet(1, X25_CALL);
+    std::vector<std::uint8_t> restart = packet(0, X25_RESTART);
+    std::vector<std::uint8_t> confirmation = packet(0, X25_RESTART_CONFIRMATION);
+    const std::clock_t begin = std::clock();
+    for (int i = 0; i < 1000; ++i) {
+        take_x25(tracker, about, {{2, 2}, true, true, octets_of(call)}, 66);
+        take_x25(tracker, about, {{2, 3}, true, true, octets_of(restart)}, 66);
+        take_x25(tracker, about, {{2, 4}, false, true, octets_of(confirmation)}, 66);
+    }
+    const std::clock_t end = std::clock();
+    EXPECT_GE(tracker.calls.size(), static_cast<std::size_t>(lasting));
+    return static_cast<double>(end - begin);
+}
+
+TEST(X25Tracker, ARestartDoesNotWalkThroughTheCallsOfOtherLinks) {
+    double alone = time_of_restarts(0);
+    double beside_many = time_of_restarts(4000);
+    for (int round = 0; round < 4; ++round) {
+        alone = std::min(alone, time_of_restarts(0));
+        beside_many = std::min(beside_many, time_of_restarts(4000));
+    }
+    EXPECT_LT(beside_many, 8 * alone);  // a walk takes 40 times as long
+}
+
+TEST(X25Tracker, ARestartEndsEveryCallOfItsLinkAndNoOther) {
+    trouble_list troubles;
+    allowance shared;
+    const journal about{&troubles, &shared, "test", {}, 0, true};
+    x25_tracker tracker;
+    for (const int link : {65, 66}) {
+        for (const int channel : {1, 63, 64, 4095}) {
+            std::vector<std::uint8_t> call = {static_cast<std::uint8_t>(0x10 | channel >> 8),
+                                              static_cast<std::uint8_t>(channel), X25_CALL, 0, 0};
+            take_x25(tracker, about, {{1, 1}, true, true, octets_of(call)}, link);
+        }
+    }
+    std::vector<std::uint8_t> restart = {0x10, 0x00, X25_RESTART, 0, 0};
+    take_x25(tracker, about, {{2, 2}, true, true, octets_of(restart)}, 65);
+    for (const int channel : {1, 63, 64, 4095}) {
+        EXPECT_EQ(tracker.calls.find({65, channel}), nullptr) << channel;
+        EXPECT_NE(tracker.calls.find({66, channel}), nullptr) << channel;
+    }
+    EXPECT_EQ(tracker.restarts.find(65)->ended_calls, 4U);
 }
 
 }  // namespace

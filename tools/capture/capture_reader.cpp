@@ -16,6 +16,14 @@ public:
     using packet_format::packet_format;
 
     packet_read next(captured_packet& /*packet*/) override {
+        constexpr std::size_t magic_length = 4;
+        const std::size_t held = stream().hold(magic_length).size();
+        if (held == 0) {
+            return damaged("offset 0", "the file is empty");
+        }
+        if (held < magic_length) {
+            return damaged("offset 0", "the number that tells its format is " + cut_off(magic_length, held));
+        }
         return damaged("offset 0", "this is no PCAP or pcapng file");
     }
 

@@ -13,6 +13,7 @@ namespace {
 using frame_view = std::span<const std::uint8_t>;
 
 constexpr int ETHERTYPE_IP = 0x0800;
+constexpr int ETHERTYPE_ARP = 0x0806;
 constexpr int ETHERTYPE_VLAN = 0x8100;
 constexpr int MAX_802_3_LENGTH = 1500;
 constexpr int PROTOCOL_TCP = 6;
@@ -31,6 +32,15 @@ void read_ip(frame_view datagram, frame_fields& fields) {
     const frame_view segment = behind(datagram, static_cast<std::size_t>(datagram[0] & 0x0F) * 4);
     if (first_fragment && segment.size() >= 4 && (protocol == PROTOCOL_TCP || protocol == PROTOCOL_UDP)) {
         fields.ports = frame_fields::port_pair{load_be16(segment.data()), load_be16(&segment[2])};
+    }
+}
+
+/// RFC 826, of Ethernet's and IPv4's addresses.
+void read_arp(frame_view packet, frame_fields& fields) {
+    constexpr std::uint8_t ethernet_ip[] = {0x00, 0x01, 0x08, 0x00, 6, 4};
+    constexpr std::size_t sender_at = 14;
+    if (packet.size() >= sender_at + 4 && std::ranges::equal(packet.first(sizeof ethernet_ip), ethernet_ip)) {
+        fields.arp_sender = load_be32(&packet[sender_at]);
     }
 }
 
@@ -68,6 +78,8 @@ void read_ethernet(frame_view frame, frame_fields& fields) {
     const frame_view payload = behind(frame, type_at + 2);
     if (type == ETHERTYPE_IP) {
         read_ip(payload, fields);
+    } else if (type == ETHERTYPE_ARP) {
+        read_arp(payload, fields);
     } else if (type <= MAX_802_3_LENGTH) {
         read_llc(payload, fields);
     }

@@ -55,7 +55,8 @@ bool is_sent(const sent_rule& rule, int channel_type, std::span<const std::uint8
     if (const auto* const router = std::get_if<mac_address>(&rule)) {
         return fields && fields->mac && is_sent_from(*router, channel_type, *fields->mac);
     }
-    return fields && fields->ip && fields->ip->source == std::get<std::uint32_t>(rule);
+    const auto router = std::get<std::uint32_t>(rule);
+    return fields && ((fields->ip && fields->ip->source == router) || fields->arp_sender == router);
 }
 
 std::optional<bool> direction_of(std::uint32_t packet_flags) {
@@ -135,6 +136,7 @@ bool take_whole_record(const captured_packet& packet, record_clock& clock, packe
     made.header.timestamp_ms = clock.at(packet);
     made.original_length = load_be16(&packet.data[original_length]);
     made.own_sequence = true;
+    made.sent_by_rule = false;
     return true;
 }
 
@@ -165,14 +167,16 @@ std::optional<packet_source> find_packet_source(const capture_interface& describ
 }
 
 std::uint32_t record_clock::at(const captured_packet& packet) {
-    constexpr std::int64_t routers_end = (std::int64_t{1} << 32) * NS_PER_MS;
+    constexpr std::int64_t wrap = (std::int64_t{1} << 32) * NS_PER_MS;
     if (!packet.time_ns) {
         return latest_ms.value_or(start_ms);
     }
     const std::int64_t time = *packet.time_ns;
-    if (!first_ns) {
+    const bool routers_own = keeps_routers_own && time >= 0 && (time < wrap || time - routers_ns < wrap / 2);
+    if (routers_own) {
+        routers_ns = time;
+    } else if (!first_ns) {
         first_ns = time;
-        routers_own = keeps_routers_own && time >= 0 && time < routers_end;
     }
     const std::int64_t from = routers_own ? 0 : *first_ns;
     // As unsigned numbers, since the difference of two may need 64 bits.
@@ -208,8 +212,9 @@ bool make_packet_record(const captured_packet& packet, const packet_source& sour
     made.original_length = static_cast<std::uint32_t>(std::min<std::size_t>(original, ORIGINAL_LENGTH_MAXIMUM));
     made.own_sequence = source.own && packet.id.has_value();
     header.timestamp_ms = clock.at(packet);
+    const std::optional<bool> told = direction_of(packet.flags) ? direction_of(packet.flags) : facts.sent;
+    made.sent_by_rule = !made.own_sequence && !told;
     if (!made.own_sequence) {
-        const std::optional<bool> told = direction_of(packet.flags) ? direction_of(packet.flags) : facts.sent;
         const bool by_router = told ? *told : is_sent(sent, source.channel_type, made.octets);
         header.record_flags |= by_router ? RECORD_SENT : 0;
     }
@@ -227,11 +232,19 @@ std::string short_packet_text(const captured_packet& packet, std::uint32_t link_
            std::to_string(link_type) + " has " + std::to_string(link_header_length(header));
 }
 
+std::uint32_t told_loss(std::uint64_t lost) {
+    constexpr std::uint64_t most = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::uint32_t>(std::min(lost, most));
+}
+
 bool rule_applies(const sent_rule& rule, int channel_type) {
     const bool by_mac = std::holds_alternative<mac_address>(rule);
     const bool by_ip = std::holds_alternative<std::uint32_t>(rule);
+    if (!by_mac && !by_ip) {
+        return true;
+    }
     const bool has_addresses = read_frame_fields(channel_type, {}).has_value();
-    return by_mac ? has_addresses && channel_type != CHANNEL_TUNNEL : !by_ip || has_addresses;
+    return has_addresses && (by_ip || channel_type != CHANNEL_TUNNEL);
 }
 
 }  // namespace ifwatch::capture

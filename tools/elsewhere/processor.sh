@@ -10,7 +10,7 @@ esac
 fresh_root root
 step compiler root "dpkg --add-architecture $system && apt-get update -q &&
     apt-get install -q -y --no-install-recommends g++-$compiler cmake ninja-build qemu-user libstdc++6:$system libubsan1:$system \
-        libssl-dev:$system libgtest-dev:$system libgmock-dev:$system"
+        libcli11-dev libssl-dev:$system libgtest-dev:$system libgmock-dev:$system"
 step build root "$here/cross_build.sh $compiler $emulator"
 step test root "ctest --test-dir build/cross -j $(nproc) --timeout 7200 --output-on-failure --no-tests=error -R '^(golden|report|unit|replay)/'"
 row="Debian 13 | $system ($about) | g++ $(version "$compiler-g++ -dumpfullversion"), $emulator $(version "$emulator --version") \

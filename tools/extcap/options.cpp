@@ -1,130 +1,17 @@
 #include "extcap/options.h"
 
-#include <getopt.h>
-
 #include <algorithm>
 #include <cstdlib>
-#include <iterator>
 #include <utility>
 
-#include "sim/text_parts.h"
+#include "command_line/command_line.h"
 
 namespace ifwatch::extcap {
 
 namespace {
 
-using sim::in_quotes;
-using sim::parse_number;
-
 constexpr std::int64_t LONGEST_FRAME = 8192;
-
-bool set_host(const std::string& text, plugin_options& options) {
-    options.host = text;
-    return text.find_first_of(" \t\n") == std::string::npos;
-}
-bool set_port(const std::string& text, plugin_options& options) {
-    const auto value = parse_number(text, 1, 0xFFFF);
-    options.port = static_cast<std::uint16_t>(value.value_or(DEFAULT_PORT));
-    return value.has_value();
-}
-bool set_choice(const std::string& text, interface_choice& choice) {
-    auto parsed = parse_interface_choice(text);
-    choice = parsed ? std::move(*parsed) : interface_choice{};
-    return parsed.has_value();
-}
-bool set_interfaces(const std::string& text, plugin_options& options) { return set_choice(text, options.interfaces); }
-bool set_typed_interfaces(const std::string& text, plugin_options& options) {
-    return set_choice(text, options.typed_interfaces);
-}
-bool set_bchannels(const std::string& text, plugin_options& options) {
-    auto parsed = parse_bchannel_choice(text);
-    options.bchannels = parsed ? std::move(*parsed) : bchannel_choice{};
-    return parsed.has_value();
-}
-bool set_credentials(const std::string& text, plugin_options& options) {
-    options.credentials = text;
-    return true;
-}
-bool set_capture_length(const std::string& text, plugin_options& options) {
-    const auto value = parse_number(text, 0, LONGEST_FRAME);
-    options.capture_length = static_cast<std::int32_t>(value.value_or(0));
-    return value.has_value();
-}
-bool set_vpi(const std::string& text, plugin_options& options) {
-    const auto value = parse_number(text, 0, 0xFF);
-    options.atm.vpi = static_cast<std::int32_t>(value.value_or(-1));
-    return value.has_value();
-}
-bool set_vci(const std::string& text, plugin_options& options) {
-    const auto value = parse_number(text, 0, 0xFFFF);
-    options.atm.vci = static_cast<std::int32_t>(value.value_or(-1));
-    return value.has_value();
-}
-bool set_router_time(const std::string& /*text*/, plugin_options& options) {
-    options.router_time = true;
-    return true;
-}
-bool set_reconnect(const std::string& /*text*/, plugin_options& options) {
-    options.reconnect = true;
-    return true;
-}
-bool set_interface_id(const std::string& text, plugin_options& options) {
-    options.interface_id = text;
-    return text == INTERFACE_ID;
-}
-bool set_fifo(const std::string& text, plugin_options& options) {
-    options.fifo = text;
-    return true;
-}
-bool set_filter(const std::string& text, plugin_options& options) {
-    options.filter = text;
-    return true;
-}
-bool set_reload(const std::string& text, plugin_options& options) {
-    const std::size_t name = text.find_first_not_of('-');
-    options.reload_option = name != std::string::npos ? text.substr(name) : "";
-    return true;
-}
-
-struct known_option {
-    const char* name;
-    int argument = no_argument;
-    call asks_for = call::NONE;
-    bool (*apply)(const std::string& text, plugin_options& options) = nullptr;
-    const char* takes = nullptr;  // for the message about a wrong argument
-};
-
 constexpr const char* CHOICES = "interface indexes, ranges of them, line:INDEX, slot:N and all, with commas between";
-
-constexpr known_option OPTIONS[] = {
-    {"extcap-interfaces", no_argument, call::LIST_INTERFACES},
-    {"extcap-version", optional_argument, call::VERSION},
-    {"extcap-dlts", no_argument, call::LIST_LINK_TYPES},
-    {"extcap-config", no_argument, call::LIST_OPTIONS},
-    {"extcap-reload-option", required_argument, call::RELOAD_OPTION, set_reload},
-    {"extcap-capture-filter", required_argument, call::CHECK_FILTER, set_filter},
-    {"extcap-cleanup-postkill", no_argument, call::CLEAN_UP},
-    {"extcap-interface", required_argument, call::NONE, set_interface_id, "the interface 'ifwatch'"},
-    {"extcap-control-in", required_argument},  // pipes of the analyser's toolbar, which is not used
-    {"extcap-control-out", required_argument},
-    {"capture", no_argument, call::CAPTURE},
-    {"fifo", required_argument, call::NONE, set_fifo},
-    {"host", required_argument, call::NONE, set_host, "a router's name or IPv4 address"},
-    {"port", required_argument, call::NONE, set_port, "a port from 1 to 65535"},
-    {"interface", required_argument, call::NONE, set_interfaces, CHOICES},
-    {"index", required_argument, call::NONE, set_typed_interfaces, CHOICES},
-    {"bchannel", required_argument, call::NONE, set_bchannels,
-     "ppp, lapb, frame-relay, cisco-hdlc, ip or raw, and INDEX=KIND for one interface"},
-    {"credentials", required_argument, call::NONE, set_credentials},
-    {"capture-length", required_argument, call::NONE, set_capture_length, "a number of octets up to 8192"},
-    {"vpi", required_argument, call::NONE, set_vpi, "a number from 0 to 255"},
-    {"vci", required_argument, call::NONE, set_vci, "a number from 0 to 65535"},
-    {"router-time", no_argument, call::NONE, set_router_time},
-    {"reconnect", no_argument, call::NONE, set_reconnect},
-    {"help", no_argument, call::HELP},
-};
-constexpr int OPTION_COUNT = static_cast<int>(std::size(OPTIONS));
-constexpr int FIRST_CODE = 1000;  // of the options, beyond any character
 
 /// What the program does when more than one call is given: the filter, for one, also comes with a capture.
 constexpr call PRECEDENCE[] = {call::HELP,         call::CAPTURE,      call::CLEAN_UP,        call::RELOAD_OPTION,
@@ -135,24 +22,54 @@ call stronger(call one, call other) {
     return std::ranges::find(PRECEDENCE, one) < std::ranges::find(PRECEDENCE, other) ? one : other;
 }
 
-/// Takes one option. The problem with it, if there is one.
-std::string take_option(const known_option& known, const char* argument, plugin_options& options) {
-    options.what = stronger(known.asks_for, options.what);
-    const std::string text = argument != nullptr ? argument : "";
-    const bool left_empty = known.argument == required_argument && text.empty() && known.asks_for == call::NONE;
-    if (known.apply == nullptr || left_empty || known.apply(text, options)) {
-        return "";
-    }
-    return "--" + std::string(known.name) + " takes " + known.takes + ", not " + in_quotes(text);
+bool take_any(const std::string& /*text*/) { return true; }
+
+void add_calls(command_line& line, plugin_options& options) {
+    const auto asks_for = [&options](call what) {
+        return [&options, what] { options.what = stronger(what, options.what); };
+    };
+    const auto asks_with = [asks_for](call what, argument_reader read) {
+        return [ask = asks_for(what), read = std::move(read)](const std::string& text) {
+            ask();
+            return read(text);
+        };
+    };
+    line.flag("-h,--help", asks_for(call::HELP));
+    line.flag("--capture", asks_for(call::CAPTURE));
+    line.flag("--extcap-interfaces", asks_for(call::LIST_INTERFACES));
+    line.flag("--extcap-dlts", asks_for(call::LIST_LINK_TYPES));
+    line.flag("--extcap-config", asks_for(call::LIST_OPTIONS));
+    line.flag("--extcap-cleanup-postkill", asks_for(call::CLEAN_UP));
+    line.option_or_flag("--extcap-version", "a version", asks_with(call::VERSION, take_any));
+    line.option("--extcap-capture-filter", "a filter", asks_with(call::CHECK_FILTER, any_text(options.filter)));
+    line.option("--extcap-reload-option", "the name of an option",
+                asks_with(call::RELOAD_OPTION, any_text(options.reload_option)));
+    line.option("--extcap-control-in", "a file name", take_any);  // of the analyser's toolbar, which is not used
+    line.option("--extcap-control-out", "a file name", take_any);
 }
 
-/// What is wrong with the option at which getopt_long stopped. Its code is in optopt: 0 for an unknown long one.
-std::string describe_mistake(bool argument_missing, const char* word) {
-    if (optopt >= FIRST_CODE) {
-        const std::string name = "--" + std::string(OPTIONS[optopt - FIRST_CODE].name);
-        return argument_missing ? "no argument behind " + in_quotes(name) : name + " takes no argument";
-    }
-    return "unknown option " + in_quotes(optopt != 0 ? std::string("-") + static_cast<char>(optopt) : word);
+void add_settings(command_line& line, plugin_options& options) {
+    const auto add = [&line](const char* name, const char* takes, argument_reader read) {
+        line.option(name, takes,
+                    [read = std::move(read)](const std::string& text) { return text.empty() || read(text); });
+    };
+    add("--extcap-interface", "the interface 'ifwatch'", one_of(options.interface_id, {{INTERFACE_ID, INTERFACE_ID}}));
+    add("--fifo", "a file name", any_text(options.fifo));
+    add("--host", "a router's name or IPv4 address", [&options](const std::string& text) {
+        options.host = text;
+        return text.find_first_of(" \t\n") == std::string::npos;
+    });
+    add("--port", "a port from 1 to 65535", number(options.port, 1, 0xFFFF));
+    add("--interface", CHOICES, parsed(options.interfaces, parse_interface_choice));
+    add("--index", CHOICES, parsed(options.typed_interfaces, parse_interface_choice));
+    add("--bchannel", "ppp, lapb, frame-relay, cisco-hdlc, ip or raw, and INDEX=KIND for one interface",
+        parsed(options.bchannels, parse_bchannel_choice));
+    add("--credentials", "a file name", any_text(options.credentials));
+    add("--capture-length", "a number of octets up to 8192", number(options.capture_length, 0, LONGEST_FRAME));
+    add("--vpi", "a number from 0 to 255", number(options.atm.vpi, 0, 0xFF));
+    add("--vci", "a number from 0 to 65535", number(options.atm.vci, 0, 0xFFFF));
+    line.flag("--router-time", options.router_time);
+    line.flag("--reconnect", options.reconnect);
 }
 
 bool needs_interface(call what) {
@@ -185,26 +102,16 @@ std::string find_gap(const plugin_options& options) {
 }  // namespace
 
 bool parse_options(int argc, char** argv, plugin_options& options, std::string& error) {
-    error.clear();
-    const auto note = [&error](std::string problem) { error = error.empty() ? std::move(problem) : error; };
-    option longs[OPTION_COUNT + 1] = {};
-    for (int i = 0; i < OPTION_COUNT; ++i) {
-        longs[i] = {OPTIONS[i].name, OPTIONS[i].argument, nullptr, FIRST_CODE + i};
+    command_line line;
+    add_calls(line, options);
+    add_settings(line, options);
+    std::vector<std::string> operands;
+    line.parse(argc, argv, operands, error);
+    const auto note = [&error](const std::string& problem) { error = error.empty() ? problem : error; };
+    if (!operands.empty()) {
+        note("not an option: " + sim::in_quotes(operands.front()));
     }
-    opterr = 0;
-    optind = 0;
-    for (int code = 0; (code = getopt_long(argc, argv, ":h", longs, nullptr)) != -1;) {
-        if (code >= FIRST_CODE) {
-            note(take_option(OPTIONS[code - FIRST_CODE], optarg, options));
-        } else if (code == 'h') {
-            options.what = call::HELP;
-        } else {
-            note(describe_mistake(code == ':', argv[optind - 1]));
-        }
-    }
-    if (optind < argc) {
-        note("not an option: " + in_quotes(argv[optind]));
-    }
+    options.reload_option.erase(0, options.reload_option.find_first_not_of('-'));
     const char* const usual_host = std::getenv("TRACE_HOST");
     options.host = options.host.empty() && usual_host != nullptr ? usual_host : options.host;
     note(find_gap(options));

@@ -28,14 +28,14 @@ those of ifwatch, and so is what is shown without any of them:
       --type TYPE     the code of the interface type, where the capture does not tell: 0 D-channel, 1 B-channel,
                       3 ATM, 4 WLAN, 6 LAN, 9 Token Ring, 131 tunnel, -2 PABX ...
       --sent WHAT     what the router sent, where the capture does not tell: none (the default), all, or what comes
-                      from a MAC or IPv4 address (Ethernet, Token Ring and IP)
+                      from a MAC or IPv4 address (Ethernet with ARP, Token Ring and IP)
       --report        instead of the frames one page about them, at the end or at an interrupt: what went wrong first,
                       and then what happened; each row names the time and the number of a record
-      --color[=WHEN]  always, never, or auto (the default): on a terminal, unless NO_COLOR is set
+      --color[=WHEN]  always, never, or auto (the default): on a terminal, unless NO_COLOR is set and not empty
       --help          this text
 
 Where the packets come from another interface than the one before, a line names it: "=== eth0: LAN". Times of a
-router's own clock stay; others count from the first packet, whose date the error stream tells.
+router's own clock stay; others count from the first of theirs, whose date the error stream tells.
 
 Exit status: 0; 1 where a file is damaged or cannot be read, or the output cannot be written (what comes before the
 damage is shown); 2 for a mistake on the command line.

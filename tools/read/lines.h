@@ -40,6 +40,7 @@ struct known_interface {
     std::uint32_t link_type = 0;
     std::optional<capture::packet_source> source = {};  // nothing: no decoder takes its frames
     traced_line* line = nullptr;                        // once a packet of it is shown
+    std::uint32_t lost = 0;                             // packets in front of the next that is shown
 };
 
 /// The interfaces of a capture that packets came from. Of their lines at most MAX_LINES are remembered; the one that

@@ -51,10 +51,10 @@ void confine() {
 void prepare_progress(const std::vector<open_capture>& captures) {
     std::uint64_t octets = 0;
     for (const open_capture& capture : captures) {
-        if (capture.octets == 0) {
+        if (!capture.octets) {
             return;
         }
-        octets += capture.octets;
+        octets += *capture.octets;
     }
     if (errors_are_terminal()) {
         start_progress(octets);

@@ -11,11 +11,11 @@ namespace ifwatch::read {
 
 namespace {
 
-/// How much of a plain file is still to be read; 0 of anything else.
-std::uint64_t octets_left(int fd) {
+/// How much of a plain file is still to be read; nothing of anything else.
+std::optional<std::uint64_t> octets_left(int fd) {
     struct stat what = {};
     if (fstat(fd, &what) != 0 || !S_ISREG(what.st_mode)) {
-        return 0;
+        return std::nullopt;
     }
     const off_t at = lseek(fd, 0, SEEK_CUR);
     return at >= 0 && at < what.st_size ? static_cast<std::uint64_t>(what.st_size - at) : 0;

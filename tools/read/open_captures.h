@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,7 @@ namespace ifwatch::read {
 struct open_capture {
     std::string name;  // for messages: "lan.pcap", "standard input"
     int fd = -1;
-    std::uint64_t octets = 0;  // still to be read; 0: nobody knows, it is no plain file
+    std::optional<std::uint64_t> octets = {};  // still to be read; nothing: nobody knows, it is no plain file
 };
 
 /// Opens every file, all before the first is read: later nothing can be opened any more. "-" is the standard input.

@@ -18,7 +18,9 @@ constexpr auto FIRST = std::chrono::seconds(1);
 constexpr auto INTERVAL = std::chrono::milliseconds(100);
 
 struct progress_line {
-    std::uint64_t octets = 0;    // 0: none is wanted
+    std::uint64_t octets = 0;         // 0: none is wanted
+    std::uint64_t octets_before = 0;  // in the files that are read
+    std::uint64_t packets_before = 0;
     steady_clock::rep next = 0;  // when it is shown
     bool shown = false;
 };
@@ -44,11 +46,17 @@ void show_progress(std::uint64_t octets_read, std::uint64_t packets) {
         return;
     }
     line.next = (now + INTERVAL).time_since_epoch().count();
-    const auto percent = std::min<std::uint64_t>(octets_read / (line.octets / 100 + 1), 100);
+    const std::uint64_t all_read = line.octets_before + octets_read;
+    const auto percent = std::min<std::uint64_t>(all_read / (line.octets / 100 + 1), 100);
     text_buffer<80> text;
-    print_to<"\r%3d %% read, %lu packets\x1b[K">(text, percent, packets);
+    print_to<"\r%3d %% read, %lu packets\x1b[K">(text, percent, line.packets_before + packets);
     write_line(text.text());
     line.shown = true;
+}
+
+void end_file_progress(std::uint64_t octets, std::uint64_t packets) {
+    line.octets_before += octets;
+    line.packets_before += packets;
 }
 
 void erase_progress() {

@@ -1,5 +1,7 @@
 #include "read/records.h"
 
+#include <utility>
+
 #include "base/verbose.h"
 #include "read/output.h"
 
@@ -8,15 +10,18 @@ namespace ifwatch::read {
 namespace {
 
 /// Gives the record its place in the sequence of its line, so that what was lost before it shows as a gap there.
-void number_record(traced_line& line, std::uint64_t lost, capture::packet_record& record) {
+void number_record(traced_line& line, std::uint32_t lost, capture::packet_record& record) {
     std::uint32_t& sequence = record.header.sequence;
     std::uint32_t& shown_last = line.context.expected_sequence;
     if (!record.own_sequence) {
-        shown_last = line.begun || lost == 0 ? line.sequence : ++line.sequence;
-        sequence = line.sequence + static_cast<std::uint32_t>(lost) + 1;
+        if (lost != 0 && line.sequence == 0) {
+            ++line.sequence;  // a gap behind number 0 would not show
+        }
+        shown_last = line.sequence;
+        sequence = line.sequence + lost + 1;
     } else if (line.begun && static_cast<std::int32_t>(sequence - shown_last) > 0) {
         // A gap may also be what the capture has no packets for; only what was lost is told.
-        shown_last = sequence - static_cast<std::uint32_t>(lost) - 1;
+        shown_last = sequence - lost - 1;
     }
     line.sequence = sequence;
     line.begun = true;
@@ -38,6 +43,7 @@ traced_line* capture_records::next() {
             counts_.add_undecoded(from.link_type);
             continue;
         }
+        from.lost = capture::told_loss(std::uint64_t{from.lost} + capture::told_loss(packet_.lost));
         if (!make_packet_record(packet_, *from.source, options_.sent, clock_, *data_, record_)) {
             counts_.add_too_short();
             if (verbose_level > 0) {
@@ -46,8 +52,8 @@ traced_line* capture_records::next() {
             continue;
         }
         traced_line& line = lines_.line_of(from, packet_, reader_);
-        line.context.zero_is_time = line.begun && !clock_.routers_own;
-        number_record(line, packet_.lost, record_);
+        line.context.zero_is_time = line.begun && clock_.first_ns.has_value();
+        number_record(line, std::exchange(from.lost, 0), record_);
         make_current(line);
         return &line;
     }

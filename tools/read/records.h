@@ -30,6 +30,10 @@ public:
 
     [[nodiscard]] const capture::captured_packet& packet() const { return packet_; }
     [[nodiscard]] const capture::record_clock& clock() const { return clock_; }
+    /// Whether an address should have told the direction of the line's current record, but is not in such frames.
+    [[nodiscard]] bool lacks_address(const traced_line& line) const {
+        return record_.sent_by_rule && !rule_applies(options_.sent, line.context.channel_type);
+    }
     /// Whether packets may come from more than one line, as far as the capture has told.
     [[nodiscard]] bool has_several_lines() const { return lines_.has_several_lines(packet_, reader_); }
     [[nodiscard]] std::uint64_t octets_read() const { return stream_.offset(); }

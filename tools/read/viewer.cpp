@@ -1,5 +1,6 @@
 #include "read/viewer.h"
 
+#include <algorithm>
 #include <chrono>
 
 #include "base/print.h"
@@ -71,11 +72,14 @@ public:
     bool show() {
         for (traced_line* line = records_.next(); line != nullptr && output_error() == 0; line = records_.next()) {
             tell_date();
+            tell_missing_address(*line);
             show_record(*line);
             counts_.add_shown();
         }
         const bool written = flush_output();
         erase_progress();
+        // Nothing is read of what stands behind damage.
+        end_file_progress(std::max(records_.octets_read(), file_.octets.value_or(0)), records_.packet().number);
         // An interrupt may come in the middle of a packet.
         const std::string error = interrupted() ? "" : records_.error();
         if (!error.empty()) {
@@ -97,13 +101,22 @@ private:
         display_record(line.context);
     }
 
-    /// Once, and only where the times count from the first packet.
+    /// Once, with the first packet that others count from.
     void tell_date() {
         const capture::record_clock& clock = records_.clock();
-        if (!date_told_ && clock.first_ns && !clock.routers_own) {
+        if (!date_told_ && clock.first_ns) {
             say(file_.name + ": 000000.000 is " + date_text(*clock.first_ns));
+            date_told_ = true;
         }
-        date_told_ = date_told_ || clock.first_ns.has_value();
+    }
+
+    /// Once: an address was given to tell what was sent, but the frames of an interface have none.
+    void tell_missing_address(const traced_line& line) {
+        if (!address_told_ && records_.lacks_address(line)) {
+            say(file_.name + ": the address of --sent is not in the frames of " + sim::on_one_line(line.identity.name) +
+                " (" + type_text(line.context.channel_type) + "): they count as received");
+            address_told_ = true;
+        }
     }
 
     /// Where the line changes, and at the first record where it may change.
@@ -124,6 +137,7 @@ private:
     capture_records records_;
     std::uint64_t shown_last_ = 0;  // the serial number of its line
     bool date_told_ = false;
+    bool address_told_ = false;
 };
 
 }  // namespace

@@ -111,7 +111,7 @@ private:
         if (!make_packet_record(packet, source, settings_.sent, clock_, data_, made)) {
             return fail(capture::short_packet_text(packet, link_type));
         }
-        const auto counted = static_cast<std::uint32_t>(sequence_ + 1 + packet.lost);
+        const std::uint32_t counted = sequence_ + 1 + capture::told_loss(packet.lost);
         const std::uint32_t usual_sequence = sequence_ + 1;
         sequence_ = made.own_sequence ? made.header.sequence : counted;
         append_record(text_,

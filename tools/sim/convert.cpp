@@ -7,13 +7,12 @@
 #include <cerrno>
 #include <cstring>
 #include <limits>
-#include <span>
 #include <string_view>
 
 #include "capture/byte_stream.h"
+#include "command_line/command_line.h"
 #include "sim/capture_export.h"
 #include "sim/capture_import.h"
-#include "sim/option_table.h"
 #include "sim/output_file.h"
 #include "sim/sent_text.h"
 #include "sim/text_parts.h"
@@ -27,65 +26,9 @@ constexpr std::int64_t MAX_LINK_TYPE = 0xFFFF;
 
 /// What a command line asks for, import and export alike.
 struct conversion {
-    std::string output;  // empty: the standard output
+    std::string output;  // empty or "-": the standard output
     import_settings import;
     std::optional<std::uint32_t> link_type;
-};
-
-bool set_output(const std::string& text, conversion& wanted) {
-    wanted.output = text == "-" ? "" : text;
-    return !text.empty();
-}
-
-bool set_channel(const std::string& text, conversion& wanted) {
-    const auto value = parse_number(text, -0x8000, 0xFFFF);
-    wanted.import.channel_type = static_cast<int>(value.value_or(0));
-    return value.has_value();
-}
-
-bool set_interface(const std::string& text, conversion& wanted) {
-    const auto value = parse_number(text, 0, std::numeric_limits<std::int32_t>::max());
-    wanted.import.interface_index = static_cast<std::uint32_t>(value.value_or(0));
-    return value.has_value();
-}
-
-bool set_viewer_options(const std::string& text, conversion& wanted) {
-    wanted.import.viewer_options = text;
-    return text.find_first_of("#\r\n") == std::string::npos;
-}
-
-bool set_sent(const std::string& text, conversion& wanted) {
-    const auto rule = parse_sent_rule(text);
-    wanted.import.sent = rule.value_or(wanted.import.sent);
-    return rule.has_value();
-}
-
-bool set_start(const std::string& text, conversion& wanted) {
-    const auto value = parse_number(text, 0, MAX_32_BIT);
-    wanted.import.start_ms = static_cast<std::uint32_t>(value.value_or(0));
-    return value.has_value();
-}
-
-bool set_link_type(const std::string& text, conversion& wanted) {
-    const auto value = parse_number(text, 0, MAX_LINK_TYPE);
-    wanted.link_type = static_cast<std::uint32_t>(value.value_or(0));
-    return value.has_value();
-}
-
-constexpr known_option<conversion> IMPORT_OPTIONS[] = {
-    {"output", 'o', set_output, "a file name"},
-    {"channel", 'c', set_channel, "the code of a channel type"},
-    {"interface", 'i', set_interface, "an interface index"},
-    {"options", 0, set_viewer_options, "the options for the viewer, without #"},
-    {"sent", 's', set_sent, "none, all, a MAC address or an IPv4 address"},
-    {"start", 0, set_start, "a time stamp in ms"},
-    {"help", 'h', nullptr, nullptr},
-};
-
-constexpr known_option<conversion> EXPORT_OPTIONS[] = {
-    {"output", 'o', set_output, "a file name"},
-    {"link-type", 'l', set_link_type, "a link type from 0 to 65535"},
-    {"help", 'h', nullptr, nullptr},
 };
 
 constexpr char IMPORT_HELP[] =
@@ -198,43 +141,51 @@ bool export_file(const std::string& path, const conversion& wanted, std::string&
     return write_output(wanted.output, file, error);
 }
 
-struct direction {
-    std::string_view word;
-    std::span<const known_option<conversion>> options;
-    const char* help;
-    bool (*run)(const std::string& path, const conversion& wanted, std::string& note, std::string& error);
-};
-
-const direction DIRECTIONS[] = {
-    {"import", IMPORT_OPTIONS, IMPORT_HELP, import_file},
-    {"export", EXPORT_OPTIONS, EXPORT_HELP, export_file},
-};
+void add_import_options(command_line& line, import_settings& import) {
+    line.option("-c,--channel", "the code of a channel type", number(import.channel_type, -0x8000, 0xFFFF));
+    line.option("-i,--interface", "an interface index",
+                number(import.interface_index, 0, std::numeric_limits<std::int32_t>::max()));
+    line.option("--options", "the options for the viewer, without #", [&import](const std::string& text) {
+        import.viewer_options = text;
+        return text.find_first_of("#\r\n") == std::string::npos;
+    });
+    line.option("-s,--sent", "none, all, a MAC address or an IPv4 address", parsed(import.sent, parse_sent_rule));
+    line.option("--start", "a time stamp in ms", number(import.start_ms, 0, MAX_32_BIT));
+}
 
 }  // namespace
 
 bool asks_for_conversion(int argc, char** argv) {
     const std::string_view word = argc > 1 ? argv[1] : "";
-    return word == DIRECTIONS[0].word || word == DIRECTIONS[1].word;
+    return word == "import" || word == "export";
 }
 
 bool convert(int argc, char** argv, std::string& note, std::string& error) {
-    const direction& asked = argv[1] == DIRECTIONS[0].word ? DIRECTIONS[0] : DIRECTIONS[1];
+    const std::string asked = argv[1];
+    const bool imports = asked == "import";
     conversion wanted;
     std::vector<std::string> files;
     bool help = false;
-    bool understood = apply_options(argc - 1, argv + 1, asked.options, wanted, files, help, error);
-    if (help) {
-        return write_output("", std::string_view(asked.help), error);
+    command_line line;
+    line.help("-h,--help", help);
+    line.option("-o,--output", "a file name", nonempty_text(wanted.output));
+    if (imports) {
+        add_import_options(line, wanted.import);
+    } else {
+        line.option("-l,--link-type", "a link type from 0 to 65535", number(wanted.link_type, 0, MAX_LINK_TYPE));
     }
-    if (understood && files.size() != 1) {
-        understood = false;
+    if (line.parse(argc - 1, argv + 1, files, error) && !help && files.size() != 1) {
         error = files.empty() ? "no file given" : "one file at a time, not also " + in_quotes(files[1]);
     }
-    if (!understood) {
-        error = std::string(asked.word) + ": " + error + " (" + std::string(asked.word) + " --help tells more)";
+    if (!error.empty()) {
+        error = asked + ": " + error + " (" + asked + " --help tells more)";
         return false;
     }
-    return asked.run(files.front(), wanted, note, error);
+    if (help) {
+        return write_output("", std::string_view(imports ? IMPORT_HELP : EXPORT_HELP), error);
+    }
+    wanted.output = wanted.output == "-" ? "" : wanted.output;
+    return (imports ? import_file : export_file)(files.front(), wanted, note, error);
 }
 
 }  // namespace ifwatch::sim

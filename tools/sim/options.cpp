@@ -3,11 +3,9 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <span>
-#include <string_view>
+#include <optional>
 
-#include "sim/option_table.h"
-#include "sim/text_parts.h"
+#include "command_line/command_line.h"
 
 namespace ifwatch::sim {
 
@@ -15,119 +13,50 @@ namespace {
 
 constexpr std::int64_t MAX_COUNT = std::numeric_limits<std::uint32_t>::max();
 
-bool parse_port(const std::string& text, daemon_setup& setup) {
-    const auto value = parse_number(text, 0, 0xFFFF);
-    setup.port = static_cast<std::uint16_t>(value.value_or(0));
-    return value.has_value();
-}
-
-bool parse_version(const std::string& text, daemon_setup& setup) {
-    const auto value = parse_number(text, 1, 3);
-    setup.version = static_cast<int>(value.value_or(0));
-    return value.has_value();
-}
-
-/// One of the words of a table.
-template <class Value>
-struct named_choice {
-    std::string_view word;
-    Value value;
-};
-
-template <class Value, std::size_t N>
-bool parse_choice(const named_choice<Value> (&choices)[N], const std::string& text, Value& chosen) {
-    for (const named_choice<Value>& choice : choices) {
-        if (choice.word == text) {
-            chosen = choice.value;
-            return true;
-        }
-    }
-    return false;
-}
-
-constexpr named_choice<refusal> REFUSALS[] = {
-    {"reply", refusal::REPLY}, {"close", refusal::CLOSE}, {"serve", refusal::SERVE}};
-
-constexpr named_choice<session_step> STEPS[] = {
-    {"connect", session_step::CONNECT},     {"request", session_step::REQUEST}, {"version", session_step::VERSION},
-    {"challenge", session_step::CHALLENGE}, {"login", session_step::LOGIN},     {"addinfo", session_step::ADDINFO},
-    {"chantype", session_step::CHANTYPE},   {"reply", session_step::REPLY},
-};
-
-bool parse_positive(const std::string& text, double& value) {
+std::optional<double> parse_positive(const std::string& text) {
     char* end = nullptr;
-    value = std::strtod(text.c_str(), &end);
-    return end != text.c_str() && *end == '\0' && std::isfinite(value) && value > 0;
+    const double value = std::strtod(text.c_str(), &end);
+    const bool right = end != text.c_str() && *end == '\0' && std::isfinite(value) && value > 0;
+    return right ? std::optional(value) : std::nullopt;
 }
 
-bool parse_count(const std::string& text, std::int64_t minimum, std::uint64_t& count) {
-    const auto value = parse_number(text, minimum, MAX_COUNT);
-    count = static_cast<std::uint64_t>(value.value_or(0));
-    return value.has_value();
+std::optional<double> parse_pace(const std::string& text) { return parse_positive(text == "real" ? "1" : text); }
+
+void add_serving(command_line& line, daemon_setup& setup) {
+    line.option("--listen", "an IPv4 address", nonempty_text(setup.listen));
+    line.option("--port", "a port from 0 to 65535", number(setup.port, 0, 0xFFFF));
+    line.option("--port-file", "a file name", nonempty_text(setup.port_file));
+    line.option("--password", "a text", any_text(setup.password));
+    line.flag("--once", [&setup] { setup.sessions = 1; });
+    line.option("--sessions", "a number of sessions", number(setup.sessions, 1, MAX_COUNT));
+    line.flag("-v,--verbose", setup.verbose);
+    line.option("--pace", "real or a factor above 0", parsed(setup.pace, parse_pace));
+    line.option("--rate", "a number of records a second above 0", parsed(setup.rate, parse_positive));
+    line.option("--together", "a number of traces", number(setup.together, 1, MAX_COUNT));
+    line.option("--loop", "a number of rounds, 0 for no end", number(setup.loops, 0, MAX_COUNT));
 }
 
-bool set_listen(const std::string& text, daemon_setup& setup) {
-    setup.listen = text;
-    return !text.empty();
+void add_other_daemons(command_line& line, daemon_setup& setup) {
+    line.option("--version", "1, 2 or 3", number(setup.version, 1, 3));
+    line.option("--refuse", "reply, close or serve",
+                one_of(setup.on_other_version,
+                       {{"reply", refusal::REPLY}, {"close", refusal::CLOSE}, {"serve", refusal::SERVE}}));
+    line.option("--error", "a text", nonempty_text(setup.error_text));
+    line.option("--close-after", "connect, request, version, challenge, login, addinfo, chantype or reply",
+                one_of(setup.close_after, {{"connect", session_step::CONNECT},
+                                           {"request", session_step::REQUEST},
+                                           {"version", session_step::VERSION},
+                                           {"challenge", session_step::CHALLENGE},
+                                           {"login", session_step::LOGIN},
+                                           {"addinfo", session_step::ADDINFO},
+                                           {"chantype", session_step::CHANTYPE},
+                                           {"reply", session_step::REPLY}}));
+    line.option("--limit", "a number of traces", number(setup.limit, 1, MAX_COUNT));
+    line.option("--fault",
+                "one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, length=record:N:LENGTH and "
+                "length=element:TYPE:LENGTH, once for an interface",
+                [&setup](const std::string& text) { return add_fault(text, setup.faults); });
 }
-bool set_port_file(const std::string& text, daemon_setup& setup) {
-    setup.port_file = text;
-    return !text.empty();
-}
-bool set_password(const std::string& text, daemon_setup& setup) {
-    setup.password = text;
-    return true;
-}
-bool set_refusal(const std::string& text, daemon_setup& setup) {
-    return parse_choice(REFUSALS, text, setup.on_other_version);
-}
-bool set_error(const std::string& text, daemon_setup& setup) {
-    setup.error_text = text;
-    return !text.empty();
-}
-bool set_close_after(const std::string& text, daemon_setup& setup) {
-    return parse_choice(STEPS, text, setup.close_after);
-}
-bool set_pace(const std::string& text, daemon_setup& setup) {
-    return parse_positive(text == "real" ? "1" : text, setup.pace);
-}
-bool set_rate(const std::string& text, daemon_setup& setup) { return parse_positive(text, setup.rate); }
-bool set_loop(const std::string& text, daemon_setup& setup) { return parse_count(text, 0, setup.loops); }
-bool set_sessions(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.sessions); }
-bool set_limit(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.limit); }
-bool set_together(const std::string& text, daemon_setup& setup) { return parse_count(text, 1, setup.together); }
-bool set_once(const std::string& /*text*/, daemon_setup& setup) {
-    setup.sessions = 1;
-    return true;
-}
-bool set_fault(const std::string& text, daemon_setup& setup) { return add_fault(text, setup.faults); }
-bool set_verbose(const std::string& /*text*/, daemon_setup& setup) {
-    setup.verbose = true;
-    return true;
-}
-
-constexpr known_option<daemon_setup> OPTIONS[] = {
-    {"listen", 0, set_listen, "an IPv4 address"},
-    {"port", 0, parse_port, "a port from 0 to 65535"},
-    {"port-file", 0, set_port_file, "a file name"},
-    {"password", 0, set_password, "a text"},
-    {"version", 0, parse_version, "1, 2 or 3"},
-    {"refuse", 0, set_refusal, "reply, close or serve"},
-    {"error", 0, set_error, "a text"},
-    {"close-after", 0, set_close_after, "connect, request, version, challenge, login, addinfo, chantype or reply"},
-    {"pace", 0, set_pace, "real or a factor above 0"},
-    {"rate", 0, set_rate, "a number of records a second above 0"},
-    {"loop", 0, set_loop, "a number of rounds, 0 for no end"},
-    {"sessions", 0, set_sessions, "a number of sessions"},
-    {"once", 0, set_once, nullptr},
-    {"limit", 0, set_limit, "a number of traces"},
-    {"together", 0, set_together, "a number of traces"},
-    {"fault", 0, set_fault,
-     "one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, length=record:N:LENGTH and "
-     "length=element:TYPE:LENGTH, once for an interface"},
-    {"verbose", 'v', set_verbose, nullptr},
-    {"help", 'h', nullptr, nullptr},
-};
 
 constexpr char HELP[] =
     R"(ifwatch-sim: plays the trace daemon of a router from case files.
@@ -203,9 +132,12 @@ in a case file, or when the port cannot be opened.
 }  // namespace
 
 bool parse_options(int argc, char** argv, sim_options& options, std::string& error) {
-    const std::span<const known_option<daemon_setup>> table(OPTIONS);
-    if (!apply_options(argc, argv, table, options.setup, options.cases, options.help, error) || options.help) {
-        return options.help;
+    command_line line;
+    line.help("-h,--help", options.help);
+    add_serving(line, options.setup);
+    add_other_daemons(line, options.setup);
+    if (!line.parse(argc, argv, options.cases, error) || options.help) {
+        return error.empty();
     }
     if (options.setup.pace > 0 && options.setup.rate > 0) {
         error = "--pace and --rate exclude each other";

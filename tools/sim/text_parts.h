@@ -19,7 +19,23 @@ inline std::string in_quotes(std::string_view text) {
 }
 
 /// The text with every control character made visible, such as \n and \x07, so that it stays on one line.
-[[nodiscard]] std::string on_one_line(std::string_view text);
+inline std::string on_one_line(std::string_view text) {
+    constexpr std::string_view hex_digits = "0123456789abcdef";
+    std::string line;
+    for (const char character : text) {
+        const auto octet = static_cast<unsigned char>(character);
+        if (character == '\n') {
+            line += "\\n";
+        } else if (octet < 0x20 || octet == 0x7F) {
+            line += "\\x";
+            line += hex_digits[octet >> 4];
+            line += hex_digits[octet & 0xF];
+        } else {
+            line += character;
+        }
+    }
+    return line;
+}
 
 /// A whole number within bounds, decimal or hexadecimal behind 0x. Nothing may stand behind it.
 inline std::optional<std::int64_t> parse_number(std::string_view text, std::int64_t minimum, std::int64_t maximum) {

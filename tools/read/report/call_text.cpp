@@ -173,6 +173,9 @@ void tell_no_answer(const call_record& call, const journal& about) {
 }
 
 void tell_cause(const call_record& call, const journal& about) {
+    if (!about.troubles->wants_words()) {
+        return;
+    }
     const char* const direction = call.sent || !about.has_sent ? "to" : "for";
     number_buffer number;
     text_buffer<160> cause;

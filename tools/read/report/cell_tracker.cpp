@@ -133,6 +133,9 @@ void print_cell_section(const cell_tracker& tracker) {
             circuit.answered, circuit.indication.cells > 0 ? ", AIS" : "", circuit.remote.cells > 0 ? ", RDI" : "");
     }
     end_section(rows);
+    if (tracker.left_out > 0) {
+        print<"  and %s of further circuits\n">(count_text(tracker.left_out, "cell"));
+    }
 }
 
 }  // namespace ifwatch::reporting

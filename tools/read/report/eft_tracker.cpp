@@ -1,7 +1,5 @@
 #include "read/report/eft_tracker.h"
 
-#include <utility>
-
 #include "eft/eft_parameters.h"
 #include "eft/eft_tdu.h"
 #include "read/report/page.h"
@@ -44,6 +42,9 @@ void end_request(eft_tracker& tracker, const journal& about, const eft_request& 
 }
 
 void tell_refusal(const eft_request& request, const journal& about, const char* verb, bool by_router) {
+    if (!about.troubles->wants_words()) {
+        return;
+    }
     text_buffer<96> name;
     put_eft_request_name(name, request);
     tell_trouble<"%s was %s by %s: %s">(about, request.first, name.text(), verb, who(about, by_router), request.why);
@@ -100,7 +101,7 @@ void take_request(eft_tracker& tracker, const journal& about, const frame& what,
     request.command = command;
     request.sent = what.sent;
     request.name = fields.name;
-    tracker.requests.begin(key_of(about, what.sent), *about.shared, std::move(request));
+    tracker.requests.begin(key_of(about, what.sent), *about.shared, request);
 }
 
 void take_write(eft_tracker& tracker, const journal& about, const frame& what, const eft_fields& fields) {

@@ -154,7 +154,7 @@ void put_fax_session(text_sink& out, const fax_session& session, const journal& 
 }
 
 void conclude_fax_session(const fax_session& session, const journal& about) {
-    if (!has_failed(session) || session.lost != about.lost) {
+    if (!has_failed(session) || session.lost != about.lost || !about.troubles->wants_words()) {
         return;
     }
     text_buffer<200> reason;

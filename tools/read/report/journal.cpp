@@ -16,42 +16,50 @@ constexpr std::size_t MAX_LINE = trouble_list::MAX_TEXT + std::size_t{4} * MAX_F
 }  // namespace
 
 void trouble_list::add(place at, std::string_view label, std::string_view text) {
+    ++worded_;
     const std::size_t hash = std::hash<std::string_view>()(text);
-    const auto same = std::ranges::find_if(
-        entries_, [&](const entry& known) { return known.hash == hash && known.text == text && known.label == label; });
-    if (same != entries_.end()) {
-        ++same->times;
-        same->last = std::max(same->last, at);
-        if (at < same->first) {
-            same->first = at;
-            std::ranges::stable_sort(entries_, {}, &entry::first);
-        }
-        return;
-    }
-    const auto behind = std::ranges::upper_bound(entries_, at, {}, &entry::first);
-    if (entries_.size() == KEPT) {
-        ++dropped_;
-        if (behind == entries_.end()) {
+    for (std::size_t i = 0; i < hashes_.size(); ++i) {
+        entry& known = entries_[i];
+        if (hashes_[i] == hash && known.text == text && known.label == label) {
+            ++known.times;
+            known.first = std::min(known.first, at);
+            known.last = std::max(known.last, at);
             return;
         }
-        entries_.pop_back();
     }
-    entries_.insert(behind, {at, at, 1, hash, std::string(label), std::string(text)});
+    if (entries_.size() < KEPT) {
+        entries_.push_back({at, at, 1, std::string(label), std::string(text)});
+        hashes_.push_back(hash);
+        return;
+    }
+    ++dropped_;
+    const auto latest = std::ranges::max_element(entries_, {}, &entry::first);
+    if (at < latest->first) {
+        hashes_[static_cast<std::size_t>(latest - entries_.begin())] = hash;
+        *latest = {at, at, 1, std::string(label), std::string(text)};
+    }
 }
 
 void trouble_list::print_lines() const {
+    std::vector<const entry*> in_order;
+    in_order.reserve(entries_.size());
+    for (const entry& one : entries_) {
+        in_order.push_back(&one);
+    }
+    std::ranges::stable_sort(in_order, {}, [](const entry* one) { return one->first; });
     const std::size_t shown = std::min(entries_.size(), SHOWN);
     for (std::size_t i = 0; i < shown; ++i) {
-        const entry& line = entries_[i];
+        const entry& line = *in_order[i];
         text_buffer<MAX_LINE> text;
         print_to<"%s %s: %s">(text, place_text(line.first), line.label, line.text);
         if (line.times > 1) {
-            print_to<" (%lu times, the last at %s)">(text, line.times, place_text(line.last));
+            print_to<" (%lu times%s, the last at %s)">(text, line.times, only_counted_ > 0 ? " at least" : "",
+                                                       place_text(line.last));
         }
         print<"  ">();
         print_broken(text.text(), 2, 6);
     }
-    if (const std::uint64_t more = entries_.size() - shown + dropped_; more > 0) {
+    if (const std::uint64_t more = entries_.size() - shown + dropped_ + only_counted_; more > 0) {
         print<"  and %lu more\n">(more);
     }
 }

@@ -43,10 +43,21 @@ public:
     static constexpr std::size_t KEPT = 256;
     static constexpr std::size_t SHOWN = 10;
     static constexpr std::size_t MAX_TEXT = 240;
+    // Beyond so many they are only counted: to word them takes longer than to print a frame.
+    static constexpr std::uint64_t MOST_WORDED = 10'000;
 
     /// Something that went wrong, which began with that record. The same words about the same interface once more are
     /// counted with the first.
     void add(place at, std::string_view label, std::string_view text);
+
+    /// Whether one more is to be put into words and added. It is counted in either case.
+    [[nodiscard]] bool wants_words() {
+        only_counted_ += worded_ >= MOST_WORDED ? 1 : 0;
+        return worded_ < MOST_WORDED;
+    }
+
+    /// No record comes any more: what can only be said at the end is said, however much was told before.
+    void begin_end() { worded_ = 0; }
 
     [[nodiscard]] bool empty() const { return entries_.empty(); }
 
@@ -59,13 +70,15 @@ private:
         place first;
         place last;
         std::uint64_t times = 1;
-        std::size_t hash = 0;  // of the text
         std::string label;
         std::string text;
     };
 
-    std::vector<entry> entries_;  // in order
+    std::vector<entry> entries_;       // as they came
+    std::vector<std::size_t> hashes_;  // of their texts
     std::uint64_t dropped_ = 0;
+    std::uint64_t worded_ = 0;        // since the first record, or since the last
+    std::uint64_t only_counted_ = 0;  // of any words
 };
 
 /// How many entries all trackers together may remember beside the bound of each.
@@ -86,9 +99,11 @@ struct journal {
 /// Says what went wrong, in one line without an end, from the record on with which it began.
 template <format_text Format, class... Arguments>
 void tell_trouble(const journal& about, place at, const Arguments&... arguments) {
-    text_buffer<trouble_list::MAX_TEXT> text;
-    print_to<Format>(text, arguments...);
-    about.troubles->add(at, about.label, text.text());
+    if (about.troubles->wants_words()) {
+        text_buffer<trouble_list::MAX_TEXT> text;
+        print_to<Format>(text, arguments...);
+        about.troubles->add(at, about.label, text.text());
+    }
 }
 
 }  // namespace ifwatch::reporting

@@ -72,7 +72,7 @@ void end_login(ppp_login& login, const link_ends& ends, const journal& about, pl
     login.accepted = reached == stage::ACCEPTED;
     login.tries = 0;
     login.message.assign(reached == stage::REFUSED ? message : octets{});
-    if (reached != stage::REFUSED) {
+    if (reached != stage::REFUSED || !about.troubles->wants_words()) {
         return;
     }
     if (ends.router == link_ends::UNKNOWN) {

@@ -1,6 +1,7 @@
 #include "read/report/ppp_negotiation.h"
 
 #include <algorithm>
+#include <bitset>
 
 #include "base/names.h"
 #include "ppp/ipcp.h"
@@ -34,8 +35,14 @@ bool take_option(octets& options, ppp_option& option) {
 
 void keep_rejected(kept_octets<48>& kept, octets options) {
     ppp_option option;
+    std::bitset<256> known;
+    for (octets rest = kept.view(); take_option(rest, option);) {
+        known.set(static_cast<std::size_t>(option.type));
+    }
     for (octets rest = options, one = rest; take_option(rest, option); one = rest) {
-        if (find_ppp_option(kept.view(), option.type).data == nullptr && option.length <= kept.room()) {
+        const auto type = static_cast<std::size_t>(option.type);
+        if (!known[type] && option.length <= kept.room()) {
+            known.set(type);
             kept.append(one.cut(option.length));
         }
     }

@@ -29,6 +29,7 @@ constexpr int LAST_ERROR_TAG = 0x0203;
 // One packet may be lost; whoever asks twice and then rests has found nobody.
 constexpr int MANY_TRIES = 3;
 constexpr int SOME_TRIES = 2;
+constexpr std::size_t MOST_OFFERS = 3;
 constexpr std::uint32_t LONG_WAIT_MS = 10'000;
 constexpr std::uint32_t PAUSE_MS = 30'000;
 
@@ -91,10 +92,9 @@ void count(unanswered_packets& packets, place at) {
 
 /// The concentrator that a session was asked of: its name, or else its station.
 std::string concentrator_text(const pppoe_search& search) {
-    const auto* const last = search.offers.begin() + search.offered;
-    const auto* const asked = std::find_if(
-        search.offers.begin(), last, [&](const pppoe_offer& offer) { return offer.station == search.concentrator; });
-    return asked != last && !asked->name.empty() ? quoted_text(asked->name.view()) : station_text(search.concentrator);
+    const auto asked = std::ranges::find(search.offers, search.concentrator, &pppoe_offer::station);
+    return asked != search.offers.end() && !asked->name.empty() ? quoted_text(asked->name.view())
+                                                                : station_text(search.concentrator);
 }
 
 /// "Generic-Error 'line failed'".
@@ -148,6 +148,7 @@ void take_initiation(pppoe_tracker& tracker, const journal& about, const frame& 
     const bool rested = search != nullptr && elapsed(search->initiations.last, what.at) >= PAUSE_MS;
     if (search != nullptr && (rested || search->confirmed || search->refused_with != 0)) {
         conclude_search(*search, about);
+        search->replaced = true;
         search = nullptr;
     }
     if (search == nullptr) {
@@ -159,12 +160,10 @@ void take_initiation(pppoe_tracker& tracker, const journal& about, const frame& 
 
 void take_offer(pppoe_search& search, const discovery_packet& packet) {
     search.initiations.count = 0;
-    auto* const last = search.offers.begin() + search.offered;
-    const bool known =
-        std::any_of(search.offers.begin(), last, [&](const pppoe_offer& one) { return one.station == packet.from; });
-    if (!known && search.offered < search.offers.size()) {
-        search.offers[search.offered++] = {packet.from, {}};
-        search.offers[search.offered - 1].name.assign(name_of(packet.tags));
+    const bool known = std::ranges::find(search.offers, packet.from, &pppoe_offer::station) != search.offers.end();
+    if (!known && search.offers.size() < MOST_OFFERS) {
+        search.offers.push_back({packet.from, {}});
+        search.offers.back().name.assign(name_of(packet.tags));
     }
 }
 
@@ -180,8 +179,10 @@ void take_confirmation(pppoe_search& search, const journal& about, const frame& 
     }
     search.refused_with = error != 0 ? error : LAST_ERROR_TAG;
     search.reason.assign(error != 0 ? text : octets{});
-    tell_trouble<"the access concentrator %s refuses a session (%s)">(about, what.at, concentrator_text(search),
-                                                                      error_text(search.refused_with, search));
+    if (about.troubles->wants_words()) {
+        tell_trouble<"the access concentrator %s refuses a session (%s)">(about, what.at, concentrator_text(search),
+                                                                          error_text(search.refused_with, search));
+    }
 }
 
 void end_session(pppoe_tracker& tracker, const journal& about, const frame& what, pppoe_search& search,
@@ -225,15 +226,16 @@ void put_offers(text_sink& out, const pppoe_search& search) {
         put(out, "began before");
         return;
     }
-    if (search.offered == 0) {
+    if (search.offers.empty()) {
         print_to<"no offer to %s">(out, count_text(static_cast<std::uint64_t>(search.tries), "PADI"));
         return;
     }
-    put(out, search.offered == 1 ? "offer of " : "offers of ");
-    for (std::size_t i = 0; i < search.offered; ++i) {
-        const pppoe_offer& offer = search.offers[i];
-        print_to<"%s%s">(out, i > 0 ? ", " : "",
+    put(out, search.offers.size() == 1 ? "offer of " : "offers of ");
+    const char* between = "";
+    for (const pppoe_offer& offer : search.offers) {
+        print_to<"%s%s">(out, between,
                          offer.name.empty() ? station_text(offer.station) : quoted_text(offer.name.view()));
+        between = ", ";
     }
 }
 
@@ -248,6 +250,8 @@ void put_session(text_sink& out, const pppoe_search& search) {
         put(out, ", no answer to PADR");
     }
     if (!search.ended) {
+        const bool stands = search.session != 0;
+        put(out, stands ? (search.replaced ? ", no end seen" : ", not over") : "");
         return;
     }
     put(out, ", ended");

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "read/report/journal.h"
 #include "read/report/kept_octets.h"
@@ -29,15 +29,15 @@ struct pppoe_search {
     std::uint64_t lost = 0;  // records that had been lost up to its first packet
     std::uint64_t host = 0;
     bool began_before = false;
-    unanswered_packets initiations;  // PADI
-    unanswered_packets requests;     // PADR
-    int tries = 0;                   // PADI, answered or not
-    std::array<pppoe_offer, 3> offers;
-    std::size_t offered = 0;
-    std::uint64_t concentrator = 0;  // that a session was asked of
+    unanswered_packets initiations;   // PADI
+    unanswered_packets requests;      // PADR
+    int tries = 0;                    // PADI, answered or not
+    std::vector<pppoe_offer> offers;  // the first few
+    std::uint64_t concentrator = 0;   // that a session was asked of
     std::optional<place> confirmed;
     int session = 0;
-    int refused_with = 0;  // tag
+    int refused_with = 0;   // tag
+    bool replaced = false;  // the host searched anew before it was ended
     std::optional<place> ended;
     bool ended_by_host = false;
     int error = 0;  // tag of the PADT

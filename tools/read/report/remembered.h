@@ -8,7 +8,6 @@
 #include <cstring>
 #include <deque>
 #include <type_traits>
-#include <utility>
 #include <vector>
 
 #include "read/report/journal.h"
@@ -38,12 +37,12 @@ public:
     }
 
     /// A new entry under this key; one that lasts under it is over.
-    Entry& begin(const Key& key, allowance& shared, Entry entry) {
+    Entry& begin(const Key& key, allowance& shared, const Entry& entry) {
         finish(key);
         const int at = take_slot(shared);
         item& taken = item_at(at);
         taken.key = key;
-        taken.entry = std::move(entry);
+        taken.entry = entry;
         append(open_, at);
         add_to_index(at);
         return taken.entry;
@@ -147,7 +146,7 @@ private:
         for (std::size_t done = 0; done < sizeof(Key); done += sizeof(std::uint64_t)) {
             std::uint64_t part = 0;
             std::memcpy(&part, reinterpret_cast<const char*>(&key) + done, std::min(sizeof part, sizeof(Key) - done));
-            hash = (hash ^ part ^ hash >> 32) * hash_factor();
+            hash = (hash ^ part ^ hash >> 32) * factor_;
         }
         return buckets_[hash >> (64 - std::bit_width(buckets_.size() - 1))];
     }
@@ -194,6 +193,7 @@ private:
         }
     }
 
+    std::uint64_t factor_ = hash_factor();
     std::deque<item> items_;
     item_list open_;  // in the order in which they began
     item_list over_;  // in the order in which they ended

@@ -86,9 +86,9 @@ report_run::report_run() { static_cast<void>(hash_factor()); }
 
 std::size_t report_run::begin_interface(std::string_view name, int channel_type, std::uint32_t mode_flags,
                                         std::string_view router) {
+    const std::string shown_name = foreign_name(name);
     const auto known = std::ranges::find_if(interfaces_, [&](const interface_report& one) {
-        return !router.empty() && one.router == router && one.name == foreign_name(name) &&
-               one.channel_type == channel_type;
+        return !router.empty() && one.router == router && one.name == shown_name && one.channel_type == channel_type;
     });
     if (known != interfaces_.end()) {
         return static_cast<std::size_t>(known - interfaces_.begin());
@@ -97,7 +97,7 @@ std::size_t report_run::begin_interface(std::string_view name, int channel_type,
         return MOST_INTERFACES;
     }
     interface_report& added = interfaces_.emplace_back();
-    added.name = foreign_name(name);
+    added.name = shown_name;
     added.router = router;
     added.channel_type = channel_type;
     added.mode_flags = mode_flags;
@@ -171,6 +171,7 @@ void report_run::print_trouble() const {
 }
 
 void report_run::print() {
+    troubles_.begin_end();
     for (interface_report& of : interfaces_) {
         for (const protocol& about : PROTOCOLS) {
             about.finish(of);

@@ -108,6 +108,9 @@ bool is_everyday_clearing(const x25_call& call, const journal& about) {
 }
 
 void tell_clearing(const x25_call& call, const journal& about) {
+    if (!about.troubles->wants_words()) {
+        return;
+    }
     name_buffer name;
     put_name(name, call, about);
     text_buffer<160> reason;
@@ -193,7 +196,7 @@ bool is_everyday_restart(const x25_reason& why) {
 
 void tell_reset(const x25_call& call, const journal& about, place at, const x25_reason& why) {
     const bool everyday = is_of_dte(why) || std::ranges::find(EVERYDAY_RESETS, why.cause) != std::end(EVERYDAY_RESETS);
-    if (everyday && !tells_fault(why)) {
+    if ((everyday && !tells_fault(why)) || !about.troubles->wants_words()) {
         return;
     }
     name_buffer name;

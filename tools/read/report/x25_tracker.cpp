@@ -1,6 +1,6 @@
 #include "read/report/x25_tracker.h"
 
-#include <vector>
+#include <bit>
 
 #include "read/report/page.h"
 #include "read/report/x25_call_packet.h"
@@ -34,11 +34,15 @@ void end_call(x25_tracker& tracker, const journal& about, x25_key key, x25_call&
     if (call.how == ending::LASTS) {
         call.how = how;
         call.ended = at;
-        --state_of(tracker, key.link).lasting;
         if (state_of(tracker, key.link).is_x25) {
             conclude_x25_call(call, about);
         }
     }
+}
+
+void note_channel(x25_tracker::link_state& link, int channel) {
+    link.begun.resize(x25_tracker::CHANNELS / x25_tracker::WORD);
+    link.begun[static_cast<std::size_t>(channel / x25_tracker::WORD)] |= 1ULL << channel % x25_tracker::WORD;
 }
 
 x25_call& begin_call(x25_tracker& tracker, const journal& about, const frame& what, x25_key key) {
@@ -51,7 +55,7 @@ x25_call& begin_call(x25_tracker& tracker, const journal& about, const frame& wh
     call.link = key.link;
     call.channel = key.channel;
     call.sent = what.sent;
-    ++state_of(tracker, key.link).lasting;
+    note_channel(state_of(tracker, key.link), key.channel);
     return tracker.calls.begin(key, *about.shared, call);
 }
 
@@ -70,26 +74,29 @@ x25_call* standing_call(x25_tracker& tracker, const journal& about, const frame&
     return &call;
 }
 
+/// Ends the call on one channel. Returns whether there was one that lasted.
+bool end_call_on(x25_tracker& tracker, const journal& about, place at, x25_key key, ending how) {
+    x25_call* const call = tracker.calls.find(key);
+    if (call == nullptr) {
+        return false;
+    }
+    const bool lasted = call->how == ending::LASTS && !call->permanent;
+    end_call(tracker, about, key, *call, how, at);
+    tracker.calls.finish(key);
+    return lasted;
+}
+
 /// Everything on a link is over. Returns how many calls that were.
 std::uint64_t end_calls(x25_tracker& tracker, const journal& about, place at, int link, ending how) {
-    if (state_of(tracker, link).lasting == 0) {
-        return 0;
-    }
-    std::vector<x25_key> keys;
     std::uint64_t ended = 0;
-    tracker.calls.for_each_lasting([&](x25_call& call) {
-        if (call.link != link) {
-            return;
+    int first = 0;  // channel of the word
+    for (std::uint64_t& word : state_of(tracker, link).begun) {
+        for (; word != 0; word &= word - 1) {  // the lowest channel goes
+            const x25_key key{link, first + std::countr_zero(word)};
+            ended += end_call_on(tracker, about, at, key, how) ? 1 : 0;
         }
-        const x25_key key{link, call.channel};
-        ended += call.how == ending::LASTS && !call.permanent ? 1 : 0;
-        end_call(tracker, about, key, call, how, at);
-        keys.push_back(key);
-    });
-    for (const x25_key key : keys) {
-        tracker.calls.finish(key);
+        first += x25_tracker::WORD;
     }
-    state_of(tracker, link).lasting = 0;
     return ended;
 }
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "read/report/journal.h"
 #include "read/report/lapb_tracker.h"
@@ -34,13 +35,17 @@ struct x25_restart {
 /// LAPB and X.75 links, and the X.25 calls above them (ITU-T X.25, X.75; X.31 in a D-channel).
 struct x25_tracker {
     static constexpr std::size_t LINKS = 128;
+    static constexpr int CHANNELS = 4096;
+    static constexpr int WORD = 64;  // channels in one number
 
     /// What is known of the packets of one link.
     struct link_state {
         bool is_x25 = false;     // beyond doubt: calls are told of it
         bool restarted = false;  // since when every call was seen, unless records are lost
         std::uint64_t lost = 0;  // up to the restart
-        int lasting = 0;         // calls, about
+        // A bit for each channel that a call began on since all of them ended; empty before the first. Of the calls of
+        // the other links a restart need not know.
+        std::vector<std::uint64_t> begun = {};
     };
 
     bool seen = false;
