@@ -6,8 +6,8 @@
 #include <random>
 #include <span>
 
-#include "sim/case_file.h"
-#include "sim/record_source.h"
+#include "cases/case_file.h"
+#include "cases/record_source.h"
 #include "trace/element.h"
 
 namespace ifwatch::bench {
@@ -244,19 +244,19 @@ frame services(std::size_t length) {
 void append(traffic& block, const frame& data) {
     block.starts.push_back(block.octets.size());
     const auto flags = static_cast<std::uint32_t>(block.starts.size() % 2);  // sent and received in turn
-    sim::append_record(block.octets,
+    cases::append_record(block.octets,
                        {.flags = flags, .original_length = static_cast<std::uint16_t>(data.size()), .data = data}, -1);
 }
 
 bool read_case(std::string_view path, traffic& found, std::string& error) {
-    sim::trace_case parsed;
-    if (!sim::read_case_file(std::string(path), parsed, error)) {
+    cases::trace_case parsed;
+    if (!cases::read_case_file(std::string(path), parsed, error)) {
         return false;
     }
     found.channel_type = parsed.channel_type;
-    for (const sim::case_record& record : parsed.records) {
+    for (const cases::case_record& record : parsed.records) {
         found.starts.push_back(found.octets.size());
-        sim::append_record(found.octets, record, -1);
+        cases::append_record(found.octets, record, -1);
     }
     return true;
 }

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/case_text.h"
+#include "cases/case_text.h"
 #include "support/pcap_octets.h"
 #include "support/process.h"
 #include "support/programs.h"
@@ -25,7 +25,7 @@ namespace ifwatch::test {
 namespace {
 
 using namespace std::chrono_literals;
-using sim::trace_case;
+using cases::trace_case;
 using testing::HasSubstr;
 
 // tcpdump takes its time to start on a busy machine.
@@ -81,11 +81,11 @@ std::string text_that_can_be_captured(const sample& wanted) {
     const bool atm = original.channel_type == 2 || original.channel_type == 3;
     const std::size_t whole = original.records.size();
     if (atm) {
-        std::erase_if(original.records, [](const sim::case_record& record) { return (record.flags & 0x80) != 0; });
+        std::erase_if(original.records, [](const cases::case_record& record) { return (record.flags & 0x80) != 0; });
     }
     EXPECT_EQ(whole - original.records.size(), wanted.left_out);
     std::uint32_t sequence = 0;
-    for (sim::case_record& record : original.records) {
+    for (cases::case_record& record : original.records) {
         record.sequence = ++sequence;
         record.info &= original.channel_type == 2 ? 0xFFFFFF00 : 0xFFFFFFFF;
     }
@@ -111,7 +111,7 @@ protected:
     std::string import_capture() {
         const trace_case original = read_sample(GetParam());
         std::uint32_t start = 0;
-        for (const sim::case_record& record : original.records) {
+        for (const cases::case_record& record : original.records) {
             if ((record.flags & 0x80) == 0) {
                 start = record.timestamp_ms;
                 break;

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "capture/channel_types.h"
-#include "sim/case_text.h"
+#include "cases/case_text.h"
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/simulator.h"
@@ -67,7 +67,7 @@ protected:
         return got.output;
     }
 
-    sim::trace_case sample;
+    cases::trace_case sample;
     temp_directory directory;
     std::string capture = directory.file("capture");
 };
@@ -94,7 +94,7 @@ TEST_P(round_trip, of_classic_pcap_has_the_frames_and_their_times) {
     // the two octets in front of a tunnel's frame.
     std::erase_if(sample.records, [](const auto& record) { return record.data.empty(); });
     std::uint32_t sequence = 0;
-    for (sim::case_record& record : sample.records) {
+    for (cases::case_record& record : sample.records) {
         record.flags = 0;
         record.info = 0;
         record.sequence = ++sequence;

@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "cases/case_file.h"
+#include "cases/case_text.h"
+#include "convert/capture_export.h"
 #include "display_check.h"
-#include "sim/capture_export.h"
-#include "sim/case_file.h"
-#include "sim/case_text.h"
 
 namespace {
 
-using namespace ifwatch::sim;
+using namespace ifwatch::cases;
 using ifwatch::fuzz::require;
 
 void check_text(const trace_case& parsed) {

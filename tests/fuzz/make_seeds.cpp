@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "base/print.h"
-#include "sim/capture_export.h"
-#include "sim/case_file.h"
-#include "sim/record_source.h"
+#include "cases/case_file.h"
+#include "cases/record_source.h"
+#include "convert/capture_export.h"
 #include "support/case_options.h"
 #include "support/written_capture.h"
 #include "trace/auth.h"
@@ -24,7 +24,7 @@
 namespace {
 
 using namespace ifwatch;
-using sim::trace_case;
+using cases::trace_case;
 
 /// Where the seeds of one case go, and how they are called there.
 struct seed_place {
@@ -63,7 +63,7 @@ std::string trace_seed(const trace_case& trace, std::uint32_t mode_flags) {
     append(seed, swap32(mode_flags), 4);
     append(seed, static_cast<std::uint32_t>(trace.channel_type), 2);
     append(seed, 0xFFFF, 2);
-    for (const sim::case_record& record : trace.records) {
+    for (const cases::case_record& record : trace.records) {
         append(seed, record.flags, 4);
         append(seed, record.info, 4);
         append(seed, record.original_length - static_cast<std::uint32_t>(record.data.size()), 2);
@@ -77,11 +77,11 @@ std::string trace_seed(const trace_case& trace, std::uint32_t mode_flags) {
 /// The case with its longest record made as long as a record can be, by repeating it.
 trace_case lengthened(const trace_case& trace) {
     trace_case result = trace;
-    const auto longest =
-        std::ranges::max_element(trace.records, {}, [](const sim::case_record& record) { return record.data.size(); });
+    const auto longest = std::ranges::max_element(trace.records, {},
+                                                  [](const cases::case_record& record) { return record.data.size(); });
     result.records.clear();
     if (longest != trace.records.end() && !longest->data.empty()) {
-        sim::case_record& record = result.records.emplace_back(*longest);
+        cases::case_record& record = result.records.emplace_back(*longest);
         while (record.data.size() < RECORD_DATA_MAXIMUM) {
             record.data.insert(record.data.end(), longest->data.begin(), longest->data.end());
         }
@@ -107,8 +107,8 @@ std::string daemon_octets(const trace_case& trace, int version) {
         append_element(sent, ELEMENT_END, {});
     }
     std::vector<std::uint8_t> records;
-    for (const sim::case_record& record : trace.records) {
-        sim::append_record(records, record, -1);
+    for (const cases::case_record& record : trace.records) {
+        cases::append_record(records, record, -1);
     }
     append(sent, records);
     return sent;
@@ -173,7 +173,7 @@ std::string pcapng_reader_seed(const trace_case& trace) {
 bool write_seeds(const std::filesystem::path& directory, const std::filesystem::path& path) {
     trace_case trace;
     std::string error;
-    if (!sim::read_case_file(path.string(), trace, error)) {
+    if (!cases::read_case_file(path.string(), trace, error)) {
         write_errors(error + "\n");
         return false;
     }

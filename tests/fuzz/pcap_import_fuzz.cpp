@@ -11,16 +11,16 @@
 #include <string>
 
 #include "capture_check.h"
+#include "cases/case_text.h"
+#include "convert/capture_export.h"
+#include "convert/capture_import.h"
 #include "display_check.h"
-#include "sim/capture_export.h"
-#include "sim/capture_import.h"
-#include "sim/case_text.h"
 #include "trace/record_stream.h"
 
 namespace {
 
 using namespace ifwatch::capture;
-using namespace ifwatch::sim;
+using namespace ifwatch::convert;
 using ifwatch::fuzz::require;
 
 constexpr std::array<int, 16> CHANNEL_TYPES = {0, -2, 0, 1, 2, 3, 4, 6, 7, 9, 16, 32, 118, 131, 135, 200};

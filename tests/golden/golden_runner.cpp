@@ -12,15 +12,15 @@
 
 #include "base/print.h"
 #include "golden/golden_compare.h"
-#include "sim/case_file.h"
-#include "sim/text_parts.h"
+#include "cases/case_file.h"
+#include "command_line/text_parts.h"
 #include "support/process.h"
 #include "support/temp_directory.h"
 
 namespace {
 
 using namespace ifwatch::test;
-using ifwatch::sim::trace_case;
+using ifwatch::cases::trace_case;
 
 constexpr std::chrono::seconds DEFAULT_TIMEOUT{10};
 
@@ -177,7 +177,7 @@ std::string beside_this_program(const std::string& name) {
 }
 
 bool parse_seconds(const char* text, std::chrono::seconds& value) {
-    const auto number = ifwatch::sim::parse_number(text, 1, 3600);
+    const auto number = ifwatch::parse_number(text, 1, 3600);
     value = std::chrono::seconds(number.value_or(0));
     return number.has_value();
 }

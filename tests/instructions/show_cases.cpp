@@ -9,7 +9,7 @@
 #include "base/print.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 #include "support/case_options.h"
 
 namespace {
@@ -18,7 +18,7 @@ using namespace ifwatch;
 
 /// A case, and the mode flags of each of its options lines.
 struct shown_case {
-    sim::trace_case trace;
+    cases::trace_case trace;
     std::vector<std::uint32_t> mode_flags;
 };
 
@@ -26,7 +26,7 @@ long discard(const char* /*data*/, std::size_t length) { return static_cast<long
 
 bool read_case(const std::string& path, shown_case& what) {
     std::string error;
-    if (!sim::read_case_file(path, what.trace, error)) {
+    if (!cases::read_case_file(path, what.trace, error)) {
         write_errors(error + "\n");
         return false;
     }
@@ -36,7 +36,7 @@ bool read_case(const std::string& path, shown_case& what) {
     return true;
 }
 
-void show(display_context& context, sim::case_record& record) {
+void show(display_context& context, cases::case_record& record) {
     const record_header header{.timestamp_ms = record.timestamp_ms,
                                .record_flags = record.flags,
                                .channel_info = record.info,
@@ -58,7 +58,7 @@ extern "C" [[gnu::noinline]] void show_case(shown_case& what, display_context& c
         context.mode_flags = mode_flags;
         context.channel_type = what.trace.channel_type;
         apply_default_flags(context);
-        for (sim::case_record& record : what.trace.records) {
+        for (cases::case_record& record : what.trace.records) {
             show(context, record);
         }
     }

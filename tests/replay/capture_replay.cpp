@@ -20,10 +20,10 @@
 #include "capture/own_capture.h"
 #include "capture/pcapng_blocks.h"
 #include "capture/pcapng_writer.h"
+#include "cases/case_file.h"
+#include "cases/input_file.h"
+#include "convert/capture_export.h"
 #include "read/viewer.h"
-#include "sim/capture_export.h"
-#include "sim/case_file.h"
-#include "sim/input_file.h"
 #include "support/case_options.h"
 #include "support/pcap_octets.h"
 #include "support/pcapng_octets.h"
@@ -70,7 +70,7 @@ private:
 
 class capture_replay {
 public:
-    capture_replay(std::string name, const sim::trace_case& trace) : name_(std::move(name)) {
+    capture_replay(std::string name, const cases::trace_case& trace) : name_(std::move(name)) {
         options_.decoders.mode_flags = trace.options.empty() ? 0 : test::mode_flags_of(trace.options.front());
         if (!trace.path.empty()) {
             options_.channel_type = trace.channel_type;
@@ -126,7 +126,7 @@ private:
 };
 
 /// As ifwatch-extcap would write it, with everything that a packet can have beside its octets.
-octet_list pcapng_of(const sim::trace_case& trace) {
+octet_list pcapng_of(const cases::trace_case& trace) {
     octet_list file;
     capture::block_buffer block;
     const auto add = [&] { file.insert(file.end(), block.begin(), block.end()); };
@@ -139,7 +139,7 @@ octet_list pcapng_of(const sim::trace_case& trace) {
     described.comment = capture::interface_type_comment(trace.channel_type);
     capture::build_interface_description(block, described);
     add();
-    for (const sim::case_record& record : trace.records) {
+    for (const cases::case_record& record : trace.records) {
         capture::pcapng_packet packet;
         packet.time_ms = record.timestamp_ms;
         packet.data = record.data;
@@ -154,10 +154,10 @@ octet_list pcapng_of(const sim::trace_case& trace) {
 }
 
 /// In the other byte order, and with times in nanoseconds.
-octet_list big_endian_pcap_of(const sim::trace_case& trace) {
+octet_list big_endian_pcap_of(const cases::trace_case& trace) {
     test::pcap_octets file(true);
     file.header(capture::LINK_USER0, 0xA1B23C4D);
-    for (const sim::case_record& record : trace.records) {
+    for (const cases::case_record& record : trace.records) {
         file.packet(record.timestamp_ms / 1000, record.timestamp_ms % 1000 * 1'000'000, record.data,
                     record.original_length);
     }
@@ -165,11 +165,11 @@ octet_list big_endian_pcap_of(const sim::trace_case& trace) {
 }
 
 /// Big-endian, and with the packets that nobody here writes: simple and obsolete ones in turn.
-octet_list other_pcapng_of(const sim::trace_case& trace) {
+octet_list other_pcapng_of(const cases::trace_case& trace) {
     test::pcapng_octets file(true);
     file.section().interface(capture::LINK_USER0);
     bool simple = true;
-    for (const sim::case_record& record : trace.records) {
+    for (const cases::case_record& record : trace.records) {
         const auto length = static_cast<std::uint32_t>(record.data.size());
         if (simple) {
             file.block(capture::BLOCK_SIMPLE_PACKET, file.empty().word(length).padded(record.data));
@@ -188,11 +188,11 @@ octet_list other_pcapng_of(const sim::trace_case& trace) {
 bool replay_capture(const std::string& path, std::size_t& read) {
     std::string text;
     std::string error;
-    if (!sim::read_input(path, text, error)) {
+    if (!cases::read_input(path, text, error)) {
         static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
         return false;
     }
-    sim::trace_case all;
+    cases::trace_case all;
     all.options = {"-h -! -2 -3 -p -i -N -t"};
     capture_replay replay(path, all);
     const octet_list octets(text.begin(), text.end());
@@ -204,12 +204,12 @@ bool replay(const std::string& path, std::size_t& read) {
     if (!path.ends_with(".case")) {
         return replay_capture(path, read);
     }
-    sim::trace_case trace;
+    cases::trace_case trace;
     std::string error;
     octet_list pcap;
     std::size_t left_out = 0;
-    if (!sim::read_case_file(path, trace, error) ||
-        !sim::export_capture(trace, capture::LINK_USER0, pcap, left_out, error)) {
+    if (!cases::read_case_file(path, trace, error) ||
+        !convert::export_capture(trace, capture::LINK_USER0, pcap, left_out, error)) {
         static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
         return false;
     }

@@ -13,7 +13,7 @@
 #include "base/print.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 #include "support/case_options.h"
 
 namespace {
@@ -31,7 +31,7 @@ long count_output(const char* /*data*/, std::size_t length) {
 }
 
 /// Shows the octets as the record's, from memory of exactly their size. False when it prints out of proportion.
-bool show(display_context& context, const sim::case_record& record, std::span<const std::uint8_t> captured) {
+bool show(display_context& context, const cases::case_record& record, std::span<const std::uint8_t> captured) {
     const record_header header{.timestamp_ms = record.timestamp_ms,
                                .record_flags = record.flags,
                                .channel_info = record.info,
@@ -50,7 +50,7 @@ bool show(display_context& context, const sim::case_record& record, std::span<co
 }
 
 /// One record in all its damaged forms. Returns how many were shown; 0 when one printed out of proportion.
-std::size_t damage(const display_context& before, const sim::case_record& record) {
+std::size_t damage(const display_context& before, const cases::case_record& record) {
     std::size_t shown = 0;
     std::vector<std::uint8_t> octets = record.data;
     const auto damaged_copy = std::make_unique<display_context>();
@@ -77,13 +77,13 @@ std::size_t damage(const display_context& before, const sim::case_record& record
 }
 
 /// Every record of a case under one options line. False after naming the record that printed out of proportion.
-bool replay(const std::string& path, const sim::trace_case& trace, const std::string& options, std::size_t& shown) {
+bool replay(const std::string& path, const cases::trace_case& trace, const std::string& options, std::size_t& shown) {
     const auto context = std::make_unique<display_context>();
     init_display_context(*context);
     context->mode_flags = test::mode_flags_of(options);
     context->channel_type = trace.channel_type;
     apply_default_flags(*context);
-    for (const sim::case_record& record : trace.records) {
+    for (const cases::case_record& record : trace.records) {
         if (static_cast<int>(record.data.size()) > MAXIMUM_CAPTURED) {
             break;  // the stream ends at such a record
         }
@@ -104,9 +104,9 @@ int main(int argc, char** argv) {
     std::size_t shown = 0;
     bool held = argc > 1;
     for (const std::string path : std::span(argv, static_cast<std::size_t>(argc)).subspan(1)) {
-        sim::trace_case trace;
+        cases::trace_case trace;
         std::string error;
-        if (!sim::read_case_file(path, trace, error)) {
+        if (!cases::read_case_file(path, trace, error)) {
             write_errors(error + "\n");
             held = false;
             continue;

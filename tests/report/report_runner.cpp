@@ -17,7 +17,7 @@
 #include "display/record_display.h"
 #include "golden/golden_compare.h"
 #include "read/report/report_run.h"
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 #include "support/case_options.h"
 
 namespace {
@@ -31,7 +31,7 @@ long collect(const char* data, std::size_t length) {
     return static_cast<long>(length);
 }
 
-void take(reporting::report_run& report, std::size_t line, display_context& context, sim::case_record& record) {
+void take(reporting::report_run& report, std::size_t line, display_context& context, cases::case_record& record) {
     const record_header header{.timestamp_ms = record.timestamp_ms,
                                .record_flags = record.flags,
                                .channel_info = record.info,
@@ -43,7 +43,7 @@ void take(reporting::report_run& report, std::size_t line, display_context& cont
     context.header = nullptr;
 }
 
-void make_report(sim::trace_case& trace) {
+void make_report(cases::trace_case& trace) {
     set_output_writer(collect);
     display_context context;
     context.channel_type = trace.channel_type;
@@ -52,7 +52,7 @@ void make_report(sim::trace_case& trace) {
     const std::string name = trace.interface_index ? std::to_string(*trace.interface_index) : std::string();
     reporting::report_run report;
     const std::size_t line = report.begin_interface(name, context.channel_type, context.mode_flags);
-    for (sim::case_record& record : trace.records) {
+    for (cases::case_record& record : trace.records) {
         take(report, line, context, record);
     }
     report.print();
@@ -82,9 +82,9 @@ int main(int argc, char** argv) {
         std::cerr << "usage: report_runner [--accept] CASE REPORT\n";
         return 2;
     }
-    sim::trace_case trace;
+    cases::trace_case trace;
     std::string error;
-    if (!sim::read_case_file(arguments[0], trace, error)) {
+    if (!cases::read_case_file(arguments[0], trace, error)) {
         std::cerr << error << "\n";
         return 2;
     }

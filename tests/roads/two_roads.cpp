@@ -17,8 +17,8 @@
 #include "display/display_context.h"
 #include "display/record_display.h"
 #include "golden/golden_compare.h"
-#include "sim/case_file.h"
-#include "sim/record_source.h"
+#include "cases/case_file.h"
+#include "cases/record_source.h"
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/scripted_daemon.h"
@@ -56,17 +56,17 @@ int show_file(int argc, char** argv) {
 }
 
 /// What a version-1 session delivers: the channel type, then the records.
-std::vector<std::uint8_t> session_octets(const sim::trace_case& trace) {
+std::vector<std::uint8_t> session_octets(const cases::trace_case& trace) {
     std::vector<std::uint8_t> octets = {static_cast<std::uint8_t>(trace.channel_type)};
-    for (const sim::case_record& record : trace.records) {
-        sim::append_record(octets, record, -1);
+    for (const cases::case_record& record : trace.records) {
+        cases::append_record(octets, record, -1);
     }
     return octets;
 }
 
 /// The length of the first record that cannot be held, at which both roads end; 0: all can.
-std::size_t first_too_long(const sim::trace_case& trace) {
-    for (const sim::case_record& record : trace.records) {
+std::size_t first_too_long(const cases::trace_case& trace) {
+    for (const cases::case_record& record : trace.records) {
         if (record.data.size() > static_cast<std::size_t>(RECORD_DATA_MAXIMUM)) {
             return record.data.size();
         }
@@ -86,7 +86,7 @@ bool arrived(const char* road, const outcome& got, const std::string& last_messa
 /// One case, its octets on both roads.
 class road_check {
 public:
-    explicit road_check(const sim::trace_case& trace)
+    explicit road_check(const cases::trace_case& trace)
         : octets_(session_octets(trace)), too_long_(std::to_string(first_too_long(trace))) {
         file_ = directory_.write("trace", std::string(octets_.begin(), octets_.end()));
     }
@@ -140,9 +140,9 @@ private:
 
 /// Checks a case under each of its options lines, and returns how many there are; 0 when one does not hold.
 std::size_t check_case(const std::string& path) {
-    sim::trace_case trace;
+    cases::trace_case trace;
     std::string error;
-    if (!sim::read_case_file(path, trace, error)) {
+    if (!cases::read_case_file(path, trace, error)) {
         write_errors(error + "\n");
         return 0;
     }

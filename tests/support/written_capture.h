@@ -6,8 +6,8 @@
 #include "capture/own_capture.h"
 #include "capture/pcapng_writer.h"
 #include "capture/record_frame.h"
-#include "sim/case_file.h"
-#include "sim/record_source.h"
+#include "cases/case_file.h"
+#include "cases/record_source.h"
 
 namespace ifwatch::test {
 
@@ -17,19 +17,19 @@ struct written_capture {
     std::vector<std::uint8_t> file;
     std::size_t frames = 0;  // of the records; the others are events
 
-    written_capture(const sim::trace_case& source, const capture::link_layer& link) {
+    written_capture(const cases::trace_case& source, const capture::link_layer& link) {
         describe(source.channel_type, link);
         display_context context;
         context.channel_type = source.channel_type;
         capture::link_frame frame;
-        for (const sim::case_record& record : source.records) {
+        for (const cases::case_record& record : source.records) {
             const record_header header{record.timestamp_ms, record.flags, record.info, record.sequence};
             std::vector<std::uint8_t> data = record.data;
             context.header = &header;
             context.original_length = record.original_length;
             context.payload = octets_of(data);
             std::vector<std::uint8_t> whole;
-            sim::append_record(whole, record, -1);
+            cases::append_record(whole, record, -1);
             const bool is_frame = make_frame(context, link, frame);
             if (!is_frame) {
                 make_event(context, whole, frame);

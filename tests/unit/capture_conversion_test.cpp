@@ -1,4 +1,4 @@
-#include "sim/capture_import.h"
+#include "convert/capture_import.h"
 
 #include <gtest/gtest.h>
 
@@ -6,16 +6,17 @@
 
 #include "capture/link_types.h"
 #include "capture/own_capture.h"
-#include "sim/capture_export.h"
-#include "sim/case_text.h"
+#include "cases/case_text.h"
+#include "convert/capture_export.h"
 #include "support/octet_file.h"
 #include "support/pcap_octets.h"
 #include "support/pcapng_octets.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::convert {
 namespace {
 
 using namespace capture;
+using namespace cases;
 
 using octet_vector = std::vector<std::uint8_t>;
 using test::pcap_octets;
@@ -390,4 +391,4 @@ TEST(case_text, is_read_as_the_same_case) {
 }
 
 }  // namespace
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::convert

@@ -1,10 +1,10 @@
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 
 #include <gtest/gtest.h>
 
 #include "support/temp_directory.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::cases {
 namespace {
 
 using octet_vector = std::vector<std::uint8_t>;
@@ -176,4 +176,4 @@ TEST(read_case_file, keeps_the_path) {
 }
 
 }  // namespace
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::cases

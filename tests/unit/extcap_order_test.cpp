@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "base/print.h"
+#include "cases/record_source.h"
 #include "extcap/record_inbox.h"
 #include "extcap/router_clock.h"
 #include "extcap/time_order.h"
-#include "sim/record_source.h"
 
 namespace ifwatch::extcap {
 namespace {
@@ -115,7 +115,7 @@ TEST(router_clock, behind_a_gap_tells_a_restart_by_what_has_passed) {
 
 octet_vector record_of(std::uint32_t timestamp, std::size_t length = 3) {
     octet_vector octets;
-    sim::append_record(
+    cases::append_record(
         octets, {timestamp, 0, 0, timestamp, static_cast<std::uint16_t>(length), octet_vector(length, 0xAA)}, -1);
     return octets;
 }

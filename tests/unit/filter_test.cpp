@@ -3,13 +3,14 @@
 #include <gtest/gtest.h>
 
 #include "capture/channel_types.h"
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 #include "sim/record_stream.h"
 
 namespace ifwatch::sim {
 namespace {
 
 using namespace capture;
+using namespace cases;
 
 using octet_vector = std::vector<std::uint8_t>;
 

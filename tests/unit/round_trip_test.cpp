@@ -16,8 +16,8 @@
 #include "capture/channel_types.h"
 #include "capture/own_capture.h"
 #include "capture/packet_record.h"
+#include "cases/case_file.h"
 #include "extcap/bchannel_kinds.h"
-#include "sim/case_file.h"
 #include "support/captured_packets.h"
 #include "support/programs.h"
 #include "support/written_capture.h"
@@ -29,7 +29,7 @@ using octet_vector = std::vector<std::uint8_t>;
 
 /// What is no packet of the interface's own link type: events of the line, and records of which nothing is left without
 /// the octets in front.
-bool is_no_frame(int channel_type, const sim::case_record& record) {
+bool is_no_frame(int channel_type, const cases::case_record& record) {
     const std::uint32_t event = record.info & 0xFF;
     const bool about_no_frame = event != 0 && channel_type != CHANNEL_ATM_OLD && find_line_error(event) == nullptr;
     const bool cell = (record.flags & 0x80) != 0;
@@ -54,7 +54,7 @@ std::vector<std::filesystem::path> all_cases() {
     return found;
 }
 
-void expect_equal(const sim::case_record& wanted, const packet_record& made) {
+void expect_equal(const cases::case_record& wanted, const packet_record& made) {
     EXPECT_TRUE(made.own_sequence);
     EXPECT_EQ(made.header.sequence, wanted.sequence);
     EXPECT_EQ(made.header.timestamp_ms, wanted.timestamp_ms);
@@ -65,10 +65,10 @@ void expect_equal(const sim::case_record& wanted, const packet_record& made) {
 }
 
 /// Reads the capture of a case back. How many of its records were frames.
-std::size_t check(const sim::trace_case& source, const link_layer& link) {
+std::size_t check(const cases::trace_case& source, const link_layer& link) {
     const test::written_capture written(source, link);
     const auto no_frames = std::ranges::count_if(
-        source.records, [&](const sim::case_record& each) { return is_no_frame(source.channel_type, each); });
+        source.records, [&](const cases::case_record& each) { return is_no_frame(source.channel_type, each); });
     EXPECT_EQ(written.frames, source.records.size() - static_cast<std::size_t>(no_frames));
     const test::captured_packets got(written.file);
     EXPECT_EQ(got.end, packet_read::END) << got.error;
@@ -96,11 +96,11 @@ TEST(round_trip, of_every_record) {
     std::set<int> channel_types;
     for (const std::filesystem::path& path : all_cases()) {
         SCOPED_TRACE(path);
-        sim::trace_case source;
+        cases::trace_case source;
         std::string error;
-        ASSERT_TRUE(sim::read_case_file(path, source, error)) << error;
+        ASSERT_TRUE(cases::read_case_file(path, source, error)) << error;
         std::erase_if(source.records,
-                      [](const sim::case_record& record) { return record.data.size() > RECORD_DATA_MAXIMUM; });
+                      [](const cases::case_record& record) { return record.data.size() > RECORD_DATA_MAXIMUM; });
         channel_types.insert(source.channel_type);
         const auto kinds = extcap::bchannel_kinds();
         for (const extcap::bchannel_kind& kind : kinds.first(source.channel_type == CHANNEL_B ? kinds.size() : 1)) {

@@ -5,8 +5,6 @@
 
 namespace ifwatch {
 
-using sim::in_quotes;
-
 /// CLI11, and what went wrong first.
 struct command_line::parser {
     CLI::App app;
@@ -118,7 +116,7 @@ bool command_line::parse(int argc, char** argv, std::vector<std::string>& operan
             only_operands = true;
         } else if (right) {
             right = false;
-            mistake = sim::on_one_line("unknown option " + in_quotes(word));
+            mistake = on_one_line("unknown option " + in_quotes(word));
         }
     }
     return right;
@@ -133,7 +131,7 @@ bool command_line::parse_known(int argc, char** argv, std::vector<std::string>& 
         parser_->note(problem.what());
     }
     others = parser_->app.remaining();
-    mistake = sim::on_one_line(parser_->mistake);
+    mistake = on_one_line(parser_->mistake);
     return mistake.empty();
 }
 

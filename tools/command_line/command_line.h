@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "sim/text_parts.h"
+#include "command_line/text_parts.h"
 
 namespace ifwatch {
 
@@ -31,7 +31,7 @@ argument_reader parsed(Value& variable, Parse parse) {
 template <class Number>
 argument_reader number(Number& variable, std::int64_t minimum, std::int64_t maximum) {
     return [&variable, minimum, maximum](const std::string& text) {
-        const auto value = sim::parse_number(text, minimum, maximum);
+        const auto value = parse_number(text, minimum, maximum);
         if (value) {
             variable = static_cast<Number>(*value);
         }

@@ -4,7 +4,7 @@
 #include <iterator>
 #include <limits>
 
-#include "sim/text_parts.h"
+#include "command_line/text_parts.h"
 
 namespace ifwatch::extcap {
 
@@ -39,7 +39,7 @@ bool take_part(std::string_view part, bool& has_usual, bchannel_choice& choice) 
         choice.usual = kind;
         return true;
     }
-    const auto index = sim::parse_number(part.substr(0, equals), 0, std::numeric_limits<std::int32_t>::max());
+    const auto index = parse_number(part.substr(0, equals), 0, std::numeric_limits<std::int32_t>::max());
     choice.exceptions.push_back({static_cast<std::int32_t>(index.value_or(0)), kind});
     return index.has_value();
 }

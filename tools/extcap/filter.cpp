@@ -8,14 +8,11 @@
 #include <iterator>
 #include <vector>
 
-#include "sim/text_parts.h"
+#include "command_line/text_parts.h"
 
 namespace ifwatch::extcap {
 
 namespace {
-
-using sim::in_quotes;
-using sim::parse_number;
 
 constexpr char JOINER = 'o';
 constexpr std::string_view BLANKS = " \t\r\n";

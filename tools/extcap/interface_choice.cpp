@@ -4,7 +4,7 @@
 #include <limits>
 #include <tuple>
 
-#include "sim/text_parts.h"
+#include "command_line/text_parts.h"
 #include "trace/ifc_types.h"
 #include "trace/trace_target.h"
 
@@ -40,7 +40,7 @@ std::int32_t index_of(const listed_interface& listed) { return static_cast<std::
 
 std::optional<std::int32_t> parse_index(std::string_view text) {
     const bool digits = !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
-    const auto number = digits ? sim::parse_number(text, 0, LARGEST_INDEX) : std::nullopt;
+    const auto number = digits ? parse_number(text, 0, LARGEST_INDEX) : std::nullopt;
     return number ? std::optional(static_cast<std::int32_t>(*number)) : std::nullopt;
 }
 

@@ -109,7 +109,7 @@ bool parse_options(int argc, char** argv, plugin_options& options, std::string& 
     line.parse(argc, argv, operands, error);
     const auto note = [&error](const std::string& problem) { error = error.empty() ? problem : error; };
     if (!operands.empty()) {
-        note("not an option: " + sim::in_quotes(operands.front()));
+        note("not an option: " + in_quotes(operands.front()));
     }
     options.reload_option.erase(0, options.reload_option.find_first_not_of('-'));
     const char* const usual_host = std::getenv("TRACE_HOST");

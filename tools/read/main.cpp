@@ -11,6 +11,7 @@
 #include "base/verbose.h"
 #include "client/confinement.h"
 #include "client/signals.h"
+#include "command_line/text_parts.h"
 #include "read/capture_report.h"
 #include "read/interrupt.h"
 #include "read/open_captures.h"
@@ -18,7 +19,6 @@
 #include "read/output.h"
 #include "read/progress.h"
 #include "read/viewer.h"
-#include "sim/text_parts.h"
 
 namespace {
 
@@ -77,7 +77,7 @@ int show(const read_options& options) {
     bool whole = errors.empty();
     shown_counts counts;
     for (const open_capture& capture : captures) {
-        const std::string title = options.files.size() > 1 ? sim::on_one_line(capture.name) + ": " : "";
+        const std::string title = options.files.size() > 1 ? on_one_line(capture.name) + ": " : "";
         whole = show_capture(capture, title, options, counts, report.get()) && whole;
         if (output_error() != 0) {
             return report_output_failure();

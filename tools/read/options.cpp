@@ -6,8 +6,8 @@
 #include <iterator>
 #include <utility>
 
+#include "capture/sent_text.h"
 #include "command_line/command_line.h"
-#include "sim/sent_text.h"
 
 namespace ifwatch::read {
 
@@ -55,7 +55,7 @@ std::string describe_unknown(const std::string& word) {
         optopt != 0 ? std::string("-") + static_cast<char>(optopt) : word.substr(0, word.find('='));
     const auto* const foreign = std::ranges::find(FOREIGN_OPTIONS, name, &foreign_option::name);
     return foreign != std::end(FOREIGN_OPTIONS) ? name + " " + foreign->reason
-                                                : "unknown option " + sim::on_one_line(sim::in_quotes(name));
+                                                : "unknown option " + on_one_line(in_quotes(name));
 }
 
 /// Takes the decoder options out of the words, as ifwatch does, and leaves the files. The problem, if there is one.
@@ -92,7 +92,8 @@ std::string take_decoder_options(std::vector<std::string> words, read_options& o
 bool parse_options(int argc, char** argv, read_options& options, std::string& error) {
     command_line line;
     line.option("--type", "the code of an interface type", number(options.channel_type, -0x8000, 0xFFFF));
-    line.option("--sent", "none, all, a MAC address or an IPv4 address", parsed(options.sent, sim::parse_sent_rule));
+    line.option("--sent", "none, all, a MAC address or an IPv4 address",
+                parsed(options.sent, capture::parse_sent_rule));
     line.option_or_flag("--color", "auto, always or never",
                         one_of(options.color, {{"", color_choice::ALWAYS},
                                                {"always", color_choice::ALWAYS},

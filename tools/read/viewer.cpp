@@ -4,12 +4,12 @@
 #include <chrono>
 
 #include "base/print.h"
+#include "command_line/text_parts.h"
 #include "display/record_display.h"
 #include "read/interrupt.h"
 #include "read/output.h"
 #include "read/progress.h"
 #include "read/records.h"
-#include "sim/text_parts.h"
 #include "trace/ifc_types.h"
 
 namespace ifwatch::read {
@@ -113,7 +113,7 @@ private:
     /// Once: an address was given to tell what was sent, but the frames of an interface have none.
     void tell_missing_address(const traced_line& line) {
         if (!address_told_ && records_.lacks_address(line)) {
-            say(file_.name + ": the address of --sent is not in the frames of " + sim::on_one_line(line.identity.name) +
+            say(file_.name + ": the address of --sent is not in the frames of " + on_one_line(line.identity.name) +
                 " (" + type_text(line.context.channel_type) + "): they count as received");
             address_told_ = true;
         }
@@ -125,7 +125,7 @@ private:
             return;
         }
         if (shown_last_ != 0 || !title_.empty() || records_.has_several_lines()) {
-            print<"=== %s%s: %s\n">(title_, sim::on_one_line(line.identity.name), type_text(line.context.channel_type));
+            print<"=== %s%s: %s\n">(title_, on_one_line(line.identity.name), type_text(line.context.channel_type));
         }
         shown_last_ = line.serial;
     }

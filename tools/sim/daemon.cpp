@@ -14,9 +14,9 @@
 #include <thread>
 
 #include "base/print.h"
+#include "command_line/text_parts.h"
 #include "sim/peer.h"
 #include "sim/session.h"
-#include "sim/text_parts.h"
 #include "sim/trace_room.h"
 
 namespace ifwatch::sim {
@@ -27,9 +27,11 @@ constexpr std::uint32_t DEFAULT_INTERFACE = 1000;
 constexpr int TIDY_INTERVAL_MS = 500;
 
 /// "lan.case:3", for a message.
-std::string place(const trace_case& served, int line) { return served.path + ":" + std::to_string(line); }
+std::string place(const cases::trace_case& served, int line) { return served.path + ":" + std::to_string(line); }
 
-bool by_interface(const trace_case& a, const trace_case& b) { return *a.interface_index < *b.interface_index; }
+bool by_interface(const cases::trace_case& a, const cases::trace_case& b) {
+    return *a.interface_index < *b.interface_index;
+}
 
 /// One client being served. The descriptor is closed when the thread has been joined, so that it cannot be reused
 /// while the daemon may still shut it down.
@@ -53,7 +55,8 @@ void log_session(std::uint64_t number, const session_report& report) {
 
 class client_server {
 public:
-    client_server(const daemon_setup& setup, const std::vector<trace_case>& cases) : setup_(setup), cases_(cases) {}
+    client_server(const daemon_setup& setup, const std::vector<cases::trace_case>& cases)
+        : setup_(setup), cases_(cases) {}
     client_server(const client_server&) = delete;
     client_server& operator=(const client_server&) = delete;
     client_server(client_server&&) = delete;
@@ -72,7 +75,7 @@ private:
     void end_all();
 
     const daemon_setup& setup_;
-    const std::vector<trace_case>& cases_;
+    const std::vector<cases::trace_case>& cases_;
     int wake_[2] = {-1, -1};  // readable when the sessions are to end
     std::list<running_session> sessions_;
     std::uint64_t started_ = 0;
@@ -148,20 +151,21 @@ void client_server::end_all() {
 
 }  // namespace
 
-bool assign_interfaces(std::vector<trace_case>& cases, std::string& error) {
+bool assign_interfaces(std::vector<cases::trace_case>& cases, std::string& error) {
     if (cases.size() == 1 && !cases.front().interface_index) {
         cases.front().interface_index = DEFAULT_INTERFACE;
     }
-    for (const trace_case& served : cases) {
+    for (const cases::trace_case& served : cases) {
         if (!served.interface_index) {
             error = place(served, served.channel_line) + ": several cases need an interface line each";
             return false;
         }
     }
     std::stable_sort(cases.begin(), cases.end(), by_interface);
-    const auto twice = std::adjacent_find(cases.begin(), cases.end(), [](const trace_case& a, const trace_case& b) {
-        return *a.interface_index == *b.interface_index;
-    });
+    const auto twice =
+        std::adjacent_find(cases.begin(), cases.end(), [](const cases::trace_case& a, const cases::trace_case& b) {
+            return *a.interface_index == *b.interface_index;
+        });
     if (twice != cases.end()) {
         error = place(*std::next(twice), std::next(twice)->interface_line) + ": interface " +
                 std::to_string(*twice->interface_index) + " is already that of " + twice->path;
@@ -195,7 +199,7 @@ int open_listener(const daemon_setup& setup, std::uint16_t& port, std::string& e
     return listener;
 }
 
-void serve_clients(int listener, int stop, const daemon_setup& setup, const std::vector<trace_case>& cases) {
+void serve_clients(int listener, int stop, const daemon_setup& setup, const std::vector<cases::trace_case>& cases) {
     client_server(setup, cases).run(listener, stop);
 }
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <string_view>
 
-#include "sim/text_parts.h"
+#include "command_line/text_parts.h"
 
 namespace ifwatch::sim {
 

@@ -10,7 +10,8 @@
 #include <cstddef>
 #include <string_view>
 
-#include "sim/text_parts.h"
+#include "capture/sent_text.h"
+#include "command_line/text_parts.h"
 
 namespace ifwatch::sim {
 
@@ -75,7 +76,7 @@ bool parse_term(const filter_entry& entry, filter_term& term) {
             return parse_session(text, term.session);
         case 's':
         case 'd':
-            return parse_mac(text, term.address);
+            return capture::parse_mac(text, term.address);
         case 'l':
             return text.empty();
         default:
@@ -126,23 +127,6 @@ bool fits_term(const filter_term& term, const frame_fields& fields) {
 }
 
 }  // namespace
-
-bool parse_mac(std::string_view text, mac_address& address) {
-    std::string digits;
-    std::copy_if(text.begin(), text.end(), std::back_inserter(digits),
-                 [](char c) { return c != ':' && c != '-' && c != '.'; });
-    if (digits.size() != 2 * address.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < address.size(); ++i) {
-        const auto octet = parse_number("0x" + digits.substr(2 * i, 2), 0, 0xFF);
-        if (!octet) {
-            return false;
-        }
-        address[i] = static_cast<std::uint8_t>(*octet);
-    }
-    return true;
-}
 
 bool build_filter(std::span<const filter_entry> entries, frame_filter& filter, std::string& error) {
     bool new_group = true;

@@ -42,9 +42,6 @@ struct frame_filter {
     std::vector<std::vector<filter_term>> groups;
 };
 
-/// Reads a MAC address: twelve hexadecimal digits, with or without colons, dashes or points between them.
-bool parse_mac(std::string_view text, mac_address& address);
-
 /// Makes a filter of the entries of one session, in their order. On a mistake false, with a one-line `error`. A host
 /// that is not given as an address is looked up by name. A joiner with nothing on one side joins nothing.
 bool build_filter(std::span<const filter_entry> entries, frame_filter& filter, std::string& error);

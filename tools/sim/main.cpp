@@ -10,18 +10,18 @@
 #include <vector>
 
 #include "base/print.h"
-#include "sim/case_file.h"
-#include "sim/convert.h"
+#include "cases/case_file.h"
+#include "command_line/text_parts.h"
+#include "convert/convert.h"
+#include "convert/output_file.h"
 #include "sim/daemon.h"
 #include "sim/options.h"
-#include "sim/output_file.h"
-#include "sim/text_parts.h"
 
 namespace {
 
+using ifwatch::cases::trace_case;
+using ifwatch::convert::write_output;
 using ifwatch::sim::sim_options;
-using ifwatch::sim::trace_case;
-using ifwatch::sim::write_output;
 
 constexpr int STATUS_MISTAKE = 2;
 
@@ -35,7 +35,7 @@ extern "C" void on_signal(int /*signal*/) {
 }
 
 /// One line on the error stream.
-void say(const std::string& text) { ifwatch::report<"ifwatch-sim: %s\n">(ifwatch::sim::on_one_line(text)); }
+void say(const std::string& text) { ifwatch::report<"ifwatch-sim: %s\n">(ifwatch::on_one_line(text)); }
 
 int fail(const std::string& error) {
     say(error);
@@ -55,7 +55,7 @@ bool load_cases(const std::vector<std::string>& paths, std::vector<trace_case>& 
             return false;
         }
     }
-    return assign_interfaces(cases, error);
+    return ifwatch::sim::assign_interfaces(cases, error);
 }
 
 /// Serves the cases until the sessions asked for are over or a signal comes. Returns the exit status.
@@ -87,7 +87,7 @@ int serve(const sim_options& options) {
 int run_conversion(int argc, char** argv) {
     std::string note;
     std::string error;
-    if (!ifwatch::sim::convert(argc, argv, note, error)) {
+    if (!ifwatch::convert::convert(argc, argv, note, error)) {
         return fail(error);
     }
     if (!note.empty()) {
@@ -97,7 +97,7 @@ int run_conversion(int argc, char** argv) {
 }
 
 int run(int argc, char** argv) {
-    if (ifwatch::sim::asks_for_conversion(argc, argv)) {
+    if (ifwatch::convert::asks_for_conversion(argc, argv)) {
         return run_conversion(argc, argv);
     }
     sim_options options;

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "capture/channel_types.h"
-#include "sim/record_source.h"
+#include "cases/record_source.h"
 #include "trace/element.h"
 
 namespace ifwatch::sim {
@@ -18,7 +18,7 @@ using clock = std::chrono::steady_clock;
 constexpr std::size_t BATCH = 0x10000;
 constexpr std::uint32_t EVENT_LAYER_1 = 7;
 
-bool selects_atm(const record_selection& selection, const case_record& record) {
+bool selects_atm(const record_selection& selection, const cases::case_record& record) {
     const std::uint32_t event = record.info & 0xFF;
     if (event == EVENT_LAYER_1) {
         return true;
@@ -28,7 +28,7 @@ bool selects_atm(const record_selection& selection, const case_record& record) {
     return selection.vpi.value_or(vpi) == vpi && selection.vci.value_or(vci) == vci;
 }
 
-std::uint32_t first_time(const trace_case& source) {
+std::uint32_t first_time(const cases::trace_case& source) {
     return source.records.empty() ? 0 : source.records.front().timestamp_ms;
 }
 
@@ -47,9 +47,9 @@ public:
     std::uint64_t run();
 
 private:
-    bool send_round(std::uint64_t round, const loop_step& step);
-    bool send_record(case_record& record, std::uint32_t due_ms);
-    void falsify(case_record& record, std::size_t place);
+    bool send_round(std::uint64_t round, const cases::loop_step& step);
+    bool send_record(cases::case_record& record, std::uint32_t due_ms);
+    void falsify(cases::case_record& record, std::size_t place);
     bool apply_fault();
     bool wait_for_turn(std::uint32_t time_ms);
     [[nodiscard]] clock::time_point due(std::uint32_t time_ms) const;
@@ -69,7 +69,7 @@ private:
 };
 
 std::uint64_t record_sender::run() {
-    const loop_step step = step_of(selection_.source.records);
+    const cases::loop_step step = cases::step_of(selection_.source.records);
     bool going = !selection_.source.records.empty();
     for (std::uint64_t round = 0; going && (setup_.loops == 0 || round < setup_.loops); ++round) {
         const std::uint64_t before = number_;
@@ -81,13 +81,13 @@ std::uint64_t record_sender::run() {
     return sent_;
 }
 
-bool record_sender::send_round(std::uint64_t round, const loop_step& step) {
-    const std::vector<case_record>& records = selection_.source.records;
+bool record_sender::send_round(std::uint64_t round, const cases::loop_step& step) {
+    const std::vector<cases::case_record>& records = selection_.source.records;
     for (std::size_t i = 0; i < records.size(); ++i) {
         if (!selects(selection_, records[i])) {
             continue;
         }
-        case_record record = records[i];
+        cases::case_record record = records[i];
         const std::uint32_t elapsed = static_cast<std::uint32_t>(round) * step.time_ms;
         const std::uint32_t due_ms = record.timestamp_ms + elapsed;
         falsify(record, i);
@@ -101,8 +101,8 @@ bool record_sender::send_round(std::uint64_t round, const loop_step& step) {
 }
 
 /// Gives the record at this place of the case, the next to be sent, the time of its neighbour.
-void record_sender::falsify(case_record& record, std::size_t place) {
-    const std::vector<case_record>& records = selection_.source.records;
+void record_sender::falsify(cases::case_record& record, std::size_t place) {
+    const std::vector<cases::case_record>& records = selection_.source.records;
     if (trouble_.kind != fault_kind::SWAP) {
         return;
     }
@@ -113,7 +113,7 @@ void record_sender::falsify(case_record& record, std::size_t place) {
     }
 }
 
-bool record_sender::send_record(case_record& record, std::uint32_t due_ms) {
+bool record_sender::send_record(cases::case_record& record, std::uint32_t due_ms) {
     const bool silent = trouble_.kind == fault_kind::SILENCE && trouble_.record == sent_;
     if (silent || !wait_for_turn(due_ms)) {
         return false;
@@ -126,7 +126,7 @@ bool record_sender::send_record(case_record& record, std::uint32_t due_ms) {
     record.timestamp_ms -= start_ms_;
     record.sequence -= start_sequence_;
     record_start_ = batch_.size();
-    append_record(batch_, record, selection_.capture_length);
+    cases::append_record(batch_, record, selection_.capture_length);
     if (!apply_fault()) {
         return false;
     }
@@ -174,7 +174,7 @@ bool record_sender::flush() {
 
 }  // namespace
 
-bool selects(const record_selection& selection, const case_record& record) {
+bool selects(const record_selection& selection, const cases::case_record& record) {
     const int channel_type = selection.source.channel_type;
     if (channel_type == capture::CHANNEL_ATM || channel_type == capture::CHANNEL_ATM_OLD) {
         return selects_atm(selection, record);

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 #include "sim/filter.h"
 #include "sim/peer.h"
 #include "sim/setup.h"
@@ -18,7 +18,7 @@ struct clock_setting {
 
 /// The records of a case that one client gets.
 struct record_selection {
-    const trace_case& source;
+    const cases::trace_case& source;
     frame_filter filter;
     std::optional<int> vpi;  // of ATM records
     std::optional<int> vci;
@@ -28,7 +28,7 @@ struct record_selection {
 
 /// Whether the client gets this record: the filter holds for LAN and tunnel frames, VPI and VCI for ATM records other
 /// than events of the line. Records of other interfaces always pass.
-[[nodiscard]] bool selects(const record_selection& selection, const case_record& record);
+[[nodiscard]] bool selects(const record_selection& selection, const cases::case_record& record);
 
 /// Sends the selected records at the pace of the setup and with the fault, until they have been sent as often as
 /// wanted, the client has gone or the daemon is to end. Returns how many went out whole.

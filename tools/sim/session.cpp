@@ -38,7 +38,8 @@ std::int64_t interface_of(const trace_request& request) {
 
 class session {
 public:
-    session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases, trace_room& room)
+    session(const peer& client, const daemon_setup& setup, const std::vector<cases::trace_case>& cases,
+            trace_room& room)
         : client_(client), setup_(setup), cases_(cases), room_(room) {}
 
     session_report run() {
@@ -66,13 +67,13 @@ private:
 
     void end(std::string result) { report_.result = std::move(result); }
     void send_error(std::string text);
-    [[nodiscard]] const trace_case* find_case() const;
+    [[nodiscard]] const cases::trace_case* find_case() const;
     bool closes_after(session_step step);
     [[nodiscard]] const fault& trouble() const { return fault_of(setup_.faults, interface_of(request_)); }
 
     const peer& client_;
     const daemon_setup& setup_;
-    const std::vector<trace_case>& cases_;
+    const std::vector<cases::trace_case>& cases_;
     trace_room& room_;
     trace_request request_;
     client_wishes wishes_;
@@ -119,7 +120,7 @@ void session::refuse(int asked) {
 
 /// One octet with the channel type, then the records.
 void session::serve_version_1() {
-    const trace_case* const found = find_case();
+    const cases::trace_case* const found = find_case();
     if (found == nullptr || !setup_.error_text.empty()) {
         return end("no interface " + std::to_string(interface_of(request_)) + ", closed");
     }
@@ -156,7 +157,7 @@ void session::serve_version_3() {
     if (wishes_.list) {
         return send_list();
     }
-    const trace_case* const found = find_case();
+    const cases::trace_case* const found = find_case();
     if (found == nullptr) {
         return send_error("no interface " + std::to_string(interface_of(request_)));
     }
@@ -266,7 +267,7 @@ bool session::send_channel_type() {
 }
 
 void session::send_list() {
-    for (const trace_case& listed : cases_) {
+    for (const cases::trace_case& listed : cases_) {
         std::uint8_t info[8] = {};
         store_be32(info, *listed.interface_index);
         store_be16(info + 4, static_cast<std::uint16_t>(listed.channel_type));
@@ -297,10 +298,11 @@ void session::send_error(std::string text) {
     end("error sent: " + text);
 }
 
-const trace_case* session::find_case() const {
+const cases::trace_case* session::find_case() const {
     const std::int64_t wanted = interface_of(request_);
-    const auto found = std::find_if(cases_.begin(), cases_.end(),
-                                    [wanted](const trace_case& served) { return *served.interface_index == wanted; });
+    const auto found = std::find_if(cases_.begin(), cases_.end(), [wanted](const cases::trace_case& served) {
+        return *served.interface_index == wanted;
+    });
     return found == cases_.end() ? nullptr : &*found;
 }
 
@@ -313,7 +315,7 @@ bool session::closes_after(session_step step) {
 
 }  // namespace
 
-session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases,
+session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<cases::trace_case>& cases,
                              trace_room& room) {
     return session(client, setup, cases, room).run();
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 #include "sim/peer.h"
 #include "sim/setup.h"
 #include "sim/trace_room.h"
@@ -21,7 +21,7 @@ struct session_report {
 
 /// Serves one client of the trace protocol, from the trace request to the last record. The cases are sorted by
 /// interface index and all have one. The socket is left open, our direction closed.
-session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<trace_case>& cases,
+session_report serve_session(const peer& client, const daemon_setup& setup, const std::vector<cases::trace_case>& cases,
                              trace_room& room);
 
 }  // namespace ifwatch::sim

@@ -10,11 +10,11 @@ using clock = std::chrono::steady_clock;
 
 constexpr auto GLANCE = std::chrono::milliseconds(1);
 
-std::uint32_t earliest_of(const std::vector<trace_case>& cases) {
+std::uint32_t earliest_of(const std::vector<cases::trace_case>& cases) {
     bool any = false;
     std::uint32_t earliest = 0;
-    for (const trace_case& each : cases) {
-        for (const case_record& record : each.records) {
+    for (const cases::trace_case& each : cases) {
+        for (const cases::case_record& record : each.records) {
             earliest = any ? std::min(earliest, record.timestamp_ms) : record.timestamp_ms;
             any = true;
         }
@@ -24,7 +24,7 @@ std::uint32_t earliest_of(const std::vector<trace_case>& cases) {
 
 }  // namespace
 
-trace_room::trace_room(const daemon_setup& setup, const std::vector<trace_case>& cases)
+trace_room::trace_room(const daemon_setup& setup, const std::vector<cases::trace_case>& cases)
     : setup_(setup), origin_ms_(earliest_of(cases)) {}
 
 bool trace_room::begin(const peer& client) {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 #include "sim/peer.h"
 #include "sim/setup.h"
 
@@ -14,7 +14,7 @@ namespace ifwatch::sim {
 /// What the sessions of a daemon share: how many trace at a time, and the start of those that wait for each other.
 class trace_room {
 public:
-    trace_room(const daemon_setup& setup, const std::vector<trace_case>& cases);
+    trace_room(const daemon_setup& setup, const std::vector<cases::trace_case>& cases);
 
     /// Whether another trace has a place. One that was given is given back with leave(), also where there was none.
     bool enter() { return ++tracing_ <= setup_.limit || setup_.limit == 0; }

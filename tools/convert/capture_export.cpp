@@ -1,4 +1,4 @@
-#include "sim/capture_export.h"
+#include "convert/capture_export.h"
 
 #include <algorithm>
 #include <sstream>
@@ -10,7 +10,7 @@
 #include "capture/pcap_writer.h"
 #include "trace/ifc_types.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::convert {
 
 namespace {
 
@@ -47,14 +47,14 @@ std::optional<std::uint32_t> bchannel_link_type(const std::string& letters) {
 }
 
 /// Events of the line; and cells that have their header in front, which no link type has room for.
-bool is_frame(const trace_case& exported, const case_record& record) {
+bool is_frame(const cases::trace_case& exported, const cases::case_record& record) {
     const bool old_atm = exported.channel_type == CHANNEL_ATM_OLD;
     const bool event = (record.info & EVENT_BITS) != 0 && !old_atm;
     const bool cell = (record.flags & CELL_HEADER) != 0 && (old_atm || exported.channel_type == CHANNEL_ATM);
     return !event && !cell;
 }
 
-void append_record_packet(const case_record& record, int channel_type, link_header header,
+void append_record_packet(const cases::case_record& record, int channel_type, link_header header,
                           std::vector<std::uint8_t>& file) {
     const std::size_t front = channel_type == CHANNEL_TUNNEL ? std::min(record.data.size(), TUNNEL_FRONT) : 0;
     std::vector<std::uint8_t> packet;
@@ -69,15 +69,15 @@ void append_record_packet(const case_record& record, int channel_type, link_head
 
 }  // namespace
 
-std::optional<std::uint32_t> link_type_of_case(const trace_case& exported) {
+std::optional<std::uint32_t> link_type_of_case(const cases::trace_case& exported) {
     if (exported.channel_type != CHANNEL_B) {
         return link_type_of(exported.channel_type);
     }
     return bchannel_link_type(exported.options.empty() ? "" : letters_of(exported.options.front()));
 }
 
-bool export_capture(const trace_case& exported, std::optional<std::uint32_t> link_type, std::vector<std::uint8_t>& file,
-                    std::size_t& left_out, std::string& error) {
+bool export_capture(const cases::trace_case& exported, std::optional<std::uint32_t> link_type,
+                    std::vector<std::uint8_t>& file, std::size_t& left_out, std::string& error) {
     link_type = link_type ? link_type : link_type_of_case(exported);
     if (!link_type) {
         error = "no link type fits channel type " + std::to_string(exported.channel_type) + " (" +
@@ -94,7 +94,7 @@ bool export_capture(const trace_case& exported, std::optional<std::uint32_t> lin
     }
     append_pcap_header(file, *link_type);
     left_out = 0;
-    for (const case_record& record : exported.records) {
+    for (const cases::case_record& record : exported.records) {
         if (is_frame(exported, record)) {
             append_record_packet(record, exported.channel_type, header, file);
         } else {
@@ -104,4 +104,4 @@ bool export_capture(const trace_case& exported, std::optional<std::uint32_t> lin
     return true;
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::convert

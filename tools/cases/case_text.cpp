@@ -1,10 +1,10 @@
-#include "sim/case_text.h"
+#include "cases/case_text.h"
 
 #include <algorithm>
 
-#include "sim/text_parts.h"
+#include "command_line/text_parts.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::cases {
 
 namespace {
 
@@ -80,4 +80,4 @@ std::string case_text(const trace_case& written, std::string_view title) {
     return text;
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::cases

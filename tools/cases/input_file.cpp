@@ -1,11 +1,11 @@
-#include "sim/input_file.h"
+#include "cases/input_file.h"
 
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 
-namespace ifwatch::sim {
+namespace ifwatch::cases {
 
 bool read_input(const std::string& path, std::string& octets, std::string& error) {
     errno = 0;
@@ -27,4 +27,4 @@ bool read_input(const std::string& path, std::string& octets, std::string& error
     return true;
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::cases

@@ -1,12 +1,12 @@
-#include "sim/capture_import.h"
+#include "convert/capture_import.h"
 
 #include <array>
 
 #include "capture/capture_reader.h"
-#include "sim/case_text.h"
+#include "cases/case_text.h"
 #include "trace/ifc_types.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::convert {
 
 namespace {
 
@@ -69,7 +69,7 @@ private:
         head_.interface_index = settings_.interface_index;
         head_.options = {settings_.viewer_options.value_or(fits ? kind->viewer_options
                                                                 : capture::viewer_options_of(head_.channel_type))};
-        text_ = case_text(head_, title_of(name_, described.link_type, kind));
+        text_ = cases::case_text(head_, title_of(name_, described.link_type, kind));
         return true;
     }
 
@@ -114,14 +114,14 @@ private:
         const std::uint32_t counted = sequence_ + 1 + capture::told_loss(packet.lost);
         const std::uint32_t usual_sequence = sequence_ + 1;
         sequence_ = made.own_sequence ? made.header.sequence : counted;
-        append_record(text_,
-                      {.timestamp_ms = made.header.timestamp_ms,
-                       .flags = made.header.record_flags,
-                       .info = made.header.channel_info,
-                       .sequence = sequence_,
-                       .original_length = static_cast<std::uint16_t>(made.original_length),
-                       .data = made.octets},
-                      usual_sequence);
+        cases::append_record(text_,
+                             {.timestamp_ms = made.header.timestamp_ms,
+                              .flags = made.header.record_flags,
+                              .info = made.header.channel_info,
+                              .sequence = sequence_,
+                              .original_length = static_cast<std::uint16_t>(made.original_length),
+                              .data = made.octets},
+                             usual_sequence);
         return true;
     }
 
@@ -144,7 +144,7 @@ private:
     std::string_view name_;
     const text_part_writer& write_;
     capture::record_clock clock_;
-    trace_case head_;  // without records
+    cases::trace_case head_;  // without records
     bool begun_ = false;
     std::array<std::uint8_t, RECORD_DATA_MAXIMUM> data_{};
     std::uint32_t sequence_ = 0;
@@ -159,4 +159,4 @@ import_outcome import_capture(capture::byte_stream& stream, const import_setting
     return capture_import(stream, settings, name, write).run();
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::convert

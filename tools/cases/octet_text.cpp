@@ -1,10 +1,10 @@
-#include "sim/octet_text.h"
+#include "cases/octet_text.h"
 
 #include <algorithm>
 
-#include "sim/text_parts.h"
+#include "command_line/text_parts.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::cases {
 
 namespace {
 
@@ -104,4 +104,4 @@ std::string_view without_comment(std::string_view line) {
     return line;
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::cases

@@ -1,11 +1,11 @@
-#include "sim/record_source.h"
+#include "cases/record_source.h"
 
 #include <algorithm>
 #include <cstddef>
 
 #include "trace/element.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::cases {
 
 namespace {
 
@@ -39,4 +39,4 @@ loop_step step_of(const std::vector<case_record>& records) {
     return {span + std::max<std::uint32_t>(span / gaps, 1), records.back().sequence - records.front().sequence + 1};
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::cases

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace ifwatch::sim {
+namespace ifwatch::convert {
 
 /// Whether a command line asks for a conversion instead of a daemon: its first argument is "import" or "export".
 [[nodiscard]] bool asks_for_conversion(int argc, char** argv);
@@ -11,4 +11,4 @@ namespace ifwatch::sim {
 /// `error` that says what is wrong and where; then there is no new file. `note` is for the error stream.
 bool convert(int argc, char** argv, std::string& note, std::string& error);
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::convert

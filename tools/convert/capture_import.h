@@ -9,7 +9,7 @@
 #include "capture/byte_stream.h"
 #include "capture/packet_record.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::convert {
 
 /// How a capture becomes a case.
 struct import_settings {
@@ -39,4 +39,4 @@ struct import_outcome {
 import_outcome import_capture(capture::byte_stream& stream, const import_settings& settings, std::string_view name,
                               const text_part_writer& write);
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::convert

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace ifwatch::sim {
+namespace ifwatch::convert {
 
 /// A file that is written part by part: it appears complete under its name or not at all, and an old one stays until
 /// then. What is no regular file, such as a device or a pipe, is written to at once; an empty path is the standard
@@ -37,4 +37,4 @@ private:
 bool write_output(const std::string& path, std::string_view text, std::string& error);
 bool write_output(const std::string& path, std::span<const std::uint8_t> octets, std::string& error);
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::convert

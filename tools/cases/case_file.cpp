@@ -1,13 +1,13 @@
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 
 #include <algorithm>
 #include <limits>
 
-#include "sim/input_file.h"
-#include "sim/octet_text.h"
-#include "sim/text_parts.h"
+#include "cases/input_file.h"
+#include "cases/octet_text.h"
+#include "command_line/text_parts.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::cases {
 
 namespace {
 
@@ -209,4 +209,4 @@ bool read_case_file(const std::string& path, trace_case& parsed, std::string& er
     return true;
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::cases

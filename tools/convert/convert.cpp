@@ -1,4 +1,4 @@
-#include "sim/convert.h"
+#include "convert/convert.h"
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -10,14 +10,14 @@
 #include <string_view>
 
 #include "capture/byte_stream.h"
+#include "capture/sent_text.h"
 #include "command_line/command_line.h"
-#include "sim/capture_export.h"
-#include "sim/capture_import.h"
-#include "sim/output_file.h"
-#include "sim/sent_text.h"
-#include "sim/text_parts.h"
+#include "command_line/text_parts.h"
+#include "convert/capture_export.h"
+#include "convert/capture_import.h"
+#include "convert/output_file.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::convert {
 
 namespace {
 
@@ -124,10 +124,10 @@ bool import_file(const std::string& path, const conversion& wanted, std::string&
 }
 
 bool export_file(const std::string& path, const conversion& wanted, std::string& note, std::string& error) {
-    trace_case exported;
+    cases::trace_case exported;
     std::vector<std::uint8_t> file;
     std::size_t left_out = 0;
-    if (!read_case_file(path, exported, error)) {
+    if (!cases::read_case_file(path, exported, error)) {
         return false;
     }
     if (!export_capture(exported, wanted.link_type, file, left_out, error)) {
@@ -149,7 +149,8 @@ void add_import_options(command_line& line, import_settings& import) {
         import.viewer_options = text;
         return text.find_first_of("#\r\n") == std::string::npos;
     });
-    line.option("-s,--sent", "none, all, a MAC address or an IPv4 address", parsed(import.sent, parse_sent_rule));
+    line.option("-s,--sent", "none, all, a MAC address or an IPv4 address",
+                parsed(import.sent, capture::parse_sent_rule));
     line.option("--start", "a time stamp in ms", number(import.start_ms, 0, MAX_32_BIT));
 }
 
@@ -188,4 +189,4 @@ bool convert(int argc, char** argv, std::string& note, std::string& error) {
     return (imports ? import_file : export_file)(files.front(), wanted, note, error);
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::convert

@@ -1,4 +1,4 @@
-#include "sim/output_file.h"
+#include "convert/output_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,7 +11,7 @@
 #include "base/patient_write.h"
 #include "base/print.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::convert {
 
 namespace {
 
@@ -86,4 +86,4 @@ bool write_output(const std::string& path, std::span<const std::uint8_t> octets,
     return write_output(path, std::string_view(reinterpret_cast<const char*>(octets.data()), octets.size()), error);
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::convert

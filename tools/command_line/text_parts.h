@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace ifwatch::sim {
+namespace ifwatch {
 
 /// The text in single quotes, for a message.
 inline std::string in_quotes(std::string_view text) {
@@ -56,4 +56,4 @@ inline std::optional<std::int64_t> parse_number(std::string_view text, std::int6
     return value;
 }
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch

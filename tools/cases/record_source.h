@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::cases {
 
 /// Appends a record as it goes over the wire: the big-endian header of 22 octets, then the data, at most
 /// `capture_length` octets of them (negative: all). The original length stays.
@@ -25,4 +25,4 @@ struct loop_step {
 };
 [[nodiscard]] loop_step step_of(const std::vector<case_record>& records);
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::cases

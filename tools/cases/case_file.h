@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ifwatch::sim {
+namespace ifwatch::cases {
 
 // A case file is the readable form of what one traced interface shows:
 //
@@ -57,4 +57,4 @@ bool parse_case(std::string_view text, trace_case& parsed, std::string& error);
 /// Reads and parses a case file. The error names the file: "isdn.case:12: unknown word 'recrod'".
 bool read_case_file(const std::string& path, trace_case& parsed, std::string& error);
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::cases

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "sim/case_file.h"
+#include "cases/case_file.h"
 
-namespace ifwatch::sim {
+namespace ifwatch::cases {
 
 /// The text of a case file that is read as this case again; `title` becomes its first line, a comment.
 [[nodiscard]] std::string case_text(const trace_case& written, std::string_view title);
@@ -27,4 +27,4 @@ struct record_text {
 /// that of the record before.
 void append_record(std::string& text, const record_text& record, std::uint32_t usual_sequence);
 
-}  // namespace ifwatch::sim
+}  // namespace ifwatch::cases
