@@ -41,7 +41,8 @@ fresh_root() {
 inside() {
     command="cd $tree && $2"
     if [ -n "${ELSEWHERE_CCACHE:-}" ]; then
-        command="export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=/ccache CCACHE_BASEDIR=$tree CCACHE_NOHASHDIR=1; $command"
+        caching="CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=/ccache CCACHE_BASEDIR=$tree CCACHE_NOHASHDIR=1"
+    command="export $caching CCACHE_SLOPPINESS=pch_defines,time_macros; $command"
     fi
     unshare --mount --pid --fork --kill-child "$here/inside.sh" "$root" "$debs" "$1" "$command" </dev/null
 }
