@@ -42,7 +42,7 @@ inside() {
     command="cd $tree && $2"
     if [ -n "${ELSEWHERE_CCACHE:-}" ]; then
         caching="CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=/ccache CCACHE_BASEDIR=$tree CCACHE_NOHASHDIR=1"
-    command="export $caching CCACHE_SLOPPINESS=pch_defines,time_macros; $command"
+        command="export $caching CCACHE_SLOPPINESS=pch_defines,time_macros; $command"
     fi
     unshare --mount --pid --fork --kill-child "$here/inside.sh" "$root" "$debs" "$1" "$command" </dev/null
 }
