@@ -106,6 +106,16 @@ show_analyser() {
         -o extcap.ifwatch.interface:"$(value samples/isdn-call.case interface)"
 }
 
+# Every line at once: the capture that the analyser gets of all interfaces, in the order of the router's clock.
+show_whole_router() {
+    whole=$OUT/router.pcapng
+    : >"$whole"
+    show whole "The whole router in one capture" "$build/ifwatch-extcap" --capture --extcap-interface ifwatch --fifo "$whole" \
+        --host 127.0.0.1 --port "$TRACE_PORT" --interface all
+    show report "... what went wrong on its lines, and what happened" "$build/ifwatch-read" --report "$whole"
+    show lines "... and every frame of them, line by line in one order of time" "$build/ifwatch-read" -2 -3 -p -i "$whole"
+}
+
 rm -rf "$OUT"
 mkdir -p "$OUT"
 
@@ -129,11 +139,10 @@ show pcap "The same LAN, printed and at once written as PCAP" \
 show tshark "... and read by another analyser" tshark -n -r "$OUT/lan-session.pcap"
 show read "... or read back, each packet that the router sent marked as such" \
     "$build/ifwatch-read" -i --sent 02:00:01:01:02:03 "$OUT/lan-session.pcap"
-[ ! -x "$build/ifwatch-extcap" ] || show_analyser
-if "$build/ifwatch-sim" --help | grep -q "ifwatch-sim import"; then
-    show import "The PCAP file made into a case for the simulator, for tests" \
-        "$build/ifwatch-sim" import --sent 02:00:01:01:02:03 "$OUT/lan-session.pcap"
-fi
+show_analyser
+show_whole_router
+show import "The PCAP file made into a case for the simulator, for tests" \
+    "$build/ifwatch-sim" import --sent 02:00:01:01:02:03 "$OUT/lan-session.pcap"
 
 say "That was all of it. With a router of yours: $build/ifwatch ROUTER"
 echo "What the lines mean: docs/reading-a-trace.md"
