@@ -34,11 +34,10 @@ void append_be16(std::vector<std::uint8_t>& packet, std::uint16_t value) {
 }
 
 void append_lapd_header(bool sent, std::vector<std::uint8_t>& packet) {
-    constexpr std::array<std::uint8_t, COOKED_ADDRESS> no_address{};
     append_be16(packet, sent ? LINUX_SENT : 0);
     append_be16(packet, ARPHRD_LAPD);
     append_be16(packet, 0);
-    packet.insert(packet.end(), no_address.begin(), no_address.end());
+    packet.resize(packet.size() + COOKED_ADDRESS);  // all zero
     append_be16(packet, ETH_P_LAPD);
 }
 
