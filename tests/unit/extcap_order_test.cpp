@@ -113,6 +113,23 @@ TEST(router_clock, behind_a_gap_tells_a_restart_by_what_has_passed) {
     EXPECT_TRUE(one.moment.restarted);
 }
 
+TEST(router_clock, has_a_place_for_a_first_record_of_the_clock_that_another_saw_begin_anew) {
+    router_clock clock(true);
+    clocked one{clock};
+    clocked other{clock};
+    one.at(500'000);
+    one.at(0, 100);
+    EXPECT_EQ(other.at(500'050, 110), 500'050U);
+    EXPECT_FALSE(other.moment.restarted);
+    EXPECT_LT(other.moment.order, one.moment.order);
+    EXPECT_EQ(other.at(60, 160), 60U);
+    EXPECT_TRUE(other.moment.restarted);
+    EXPECT_GT(other.moment.order, one.moment.order) << "the start that is known already";
+    clocked late{clock};
+    EXPECT_EQ(late.at(90, 190), 90U);
+    EXPECT_FALSE(late.moment.restarted);
+}
+
 octet_vector record_of(std::uint32_t timestamp, std::size_t length = 3) {
     octet_vector octets;
     sim::append_record(
