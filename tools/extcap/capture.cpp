@@ -234,7 +234,7 @@ void capture_run::write_overdue() {
 }
 
 void capture_run::write(traced_interface& from, std::span<std::uint8_t> record, const waiting_record& noted) {
-    const std::string note = noted.noted ? from.take_note() : std::string();
+    const std::string note = from.take_note(noted.note);
     file_.put_record(from.line(), record, {.time_ms = clock_.time_of(noted.order), .lost = noted.lost, .text = note});
 }
 

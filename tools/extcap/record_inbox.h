@@ -15,8 +15,8 @@ struct waiting_record {
     std::uint64_t order = 0;     // as router_clock gives it
     std::uint32_t position = 0;  // in the stream, modulo 2^32
     std::uint32_t lost = 0;      // records between the one before and this
+    std::uint16_t note = 0;      // the number of what is to be told of it; 0: nothing
     std::uint8_t slot = 0;       // of time_order
-    bool noted = false;          // there is something to tell of it
 };
 
 /// What one session has sent and is not written yet, in one buffer that never grows: octets as they arrive, and where
