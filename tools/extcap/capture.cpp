@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "extcap/capture_file.h"
+#include "extcap/find_interfaces.h"
 #include "extcap/stop.h"
 #include "extcap/time_order.h"
 #include "extcap/traced_interface.h"
@@ -206,10 +207,10 @@ bool capture_run::take_records(traced_interface& which) {
     return got != record_inbox::found::BROKEN;
 }
 
-/// Tells, once for an interface, why it has no session, and lets it be tried again if that is wanted.
+/// Tells why an interface has no session, and lets it be tried again if that is wanted, which is told but once.
 void capture_run::lose(traced_interface& which, const std::string& reason, bool again) {
     again = again && options_.reconnect;
-    if (which.tell_once()) {
+    if (!again || which.tell_once()) {
         const std::string number = interfaces_.size() > 1 ? ", interface " + std::to_string(which.index()) : "";
         tell_("router " + options_.host + number + ": " + reason + (again ? "; trying again" : ""));
     }
@@ -245,66 +246,22 @@ void capture_run::stop() {
     }
 }
 
-/// Asks the router for its list, as often as it takes with --reconnect. False when the reader of the FIFO has gone.
-bool list_patiently(const plugin_options& options, router_access& access, int fifo, const problem_teller& tell,
-                    std::vector<listed_interface>& listed, opened_session& session) {
-    retry_pause pause;
-    bool told = false;
-    while (true) {
-        session = access.list(listed);
-        if (session.result != set_up::UNREACHABLE || !options.reconnect) {
-            return true;
-        }
-        if (!told) {
-            tell("router " + options.host + ": " + session.reason + "; trying again");
-            told = true;
-        }
-        pollfd reader{fifo, 0, 0};
-        if (poll(&reader, 1, pause.next_s() * 1000) > 0) {
-            return false;
-        }
-    }
-}
-
-/// Finds the indexes of the interfaces to trace, and tells which of them there are not. False when there are none, with
-/// the reason; that is empty when the reader of the FIFO has gone.
-bool find_interfaces(const plugin_options& options, router_access& access, int fifo, const problem_teller& tell,
-                     std::vector<std::int32_t>& indexes, std::string& reason) {
-    std::vector<listed_interface> listed;
-    opened_session session{.result = set_up::OPEN};
-    if (options.interfaces.needs_list() && !list_patiently(options, access, fifo, tell, listed, session)) {
-        return false;
-    }
-    std::vector<std::string> unknown;
-    indexes = resolve_choice(options.interfaces, listed, unknown);
-    std::string words;
-    for (const std::string& word : unknown) {
-        words += (words.empty() ? "" : ",") + word;
-    }
-    const bool has_list = session.result == set_up::OPEN;
-    reason = has_list ? "no interface " + words : "its list, for " + words + ": " + session.reason;
-    if (!unknown.empty() && !indexes.empty()) {
-        tell("router " + options.host + ": " + reason);
-    }
-    return !indexes.empty();
-}
-
 bool capture_interfaces(const plugin_options& options, int fifo, const problem_teller& tell, failure& why) {
     router_access access(options);
     if (!access.prepare(why)) {
         return false;
     }
     why = {};
-    std::vector<std::int32_t> indexes;
-    std::string reason;
-    if (!find_interfaces(options, access, fifo, tell, indexes, reason)) {
-        why.text = reason.empty() ? "" : "router " + options.host + ": " + reason;
-        return reason.empty();
-    }
     const int stop_fd = tell_signals();
     if (stop_fd < 0) {
         why.text = std::string("signals: ") + std::strerror(errno);
         return false;
+    }
+    std::vector<std::int32_t> indexes;
+    std::string reason;
+    if (!find_interfaces(options, access, {fifo, stop_fd}, tell, indexes, reason)) {
+        why.text = reason.empty() ? "" : "router " + options.host + ": " + reason;
+        return reason.empty();
     }
     capture_file file(options, fifo);
     const bool done = capture_run(options, access, file, tell).run(indexes, stop_fd);
