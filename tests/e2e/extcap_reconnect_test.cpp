@@ -261,5 +261,41 @@ TEST_F(extcap_notes, of_a_restart_are_one_for_each_interface) {
     EXPECT_EQ(count_of(got.output, anew), 2U) << got.output;
 }
 
+/// Records of 1400 octets, one a millisecond.
+std::string fast_lan(const std::string& index, int first_ms) {
+    std::string text = "channel 6\ninterface " + index + "\nrecord R 1000\n 02*12 08 00 00*46\n";
+    for (int i = 0; i < 60; ++i) {
+        text += "record R " + std::to_string(first_ms + i) + "\n 02*12 08 00 00*1386\n";
+    }
+    return text;
+}
+
+TEST(extcap_burst, of_two_fast_lines_is_in_order_when_all_of_it_was_there_at_once) {
+    const temp_directory directory;
+    const std::string file = directory.write("capture.pcapng", "");
+    simulator router({fast_lan("1000", 3100), fast_lan("1100", 3000)},
+                     {"--together", "2", "--pace", "real", "--sessions", "2"});
+    process program(plugin(capture_arguments(router.port(), file, {"--router-time"}, "1000,1100")));
+    std::string begun;
+    while (begun.size() < 400) {  // the first records, two seconds before the others
+        ASSERT_TRUE(read_file(file, begun));
+    }
+    program.send_signal(SIGSTOP);
+    EXPECT_EQ(router.program().wait().status, 0) << "all is sent";
+    program.send_signal(SIGCONT);
+    EXPECT_EQ(program.wait().status, 0);
+    const command tshark = {
+        .program = "tshark",
+        .arguments = {"-n", "-r", file, "-Y", "frame.len > 1000", "-T", "fields", "-e", "frame.interface_name"},
+        .timeout = 60s};
+    std::string expected;
+    for (const char* name : {"ifwatch-1100\n", "ifwatch-1000\n"}) {
+        for (int i = 0; i < 60; ++i) {
+            expected += name;
+        }
+    }
+    EXPECT_EQ(run(tshark).output, expected);
+}
+
 }  // namespace
 }  // namespace ifwatch::test

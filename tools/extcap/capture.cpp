@@ -24,6 +24,8 @@ namespace {
 using state = traced_interface::state;
 
 constexpr int STATUS_MISTAKE = 2;
+constexpr std::size_t COMMON_ROOM = std::size_t{512} << 10;  // of all inboxes beyond what each has at first
+constexpr int WRITTEN_AT_ONCE = 64;                          // records, to make room
 
 template <class Clock>
 std::int64_t milliseconds_of() {
@@ -44,10 +46,12 @@ public:
 
 private:
     void wait(int stop_fd);
+    void serve_all();
     [[nodiscard]] int time_to_wait();
     void begin(traced_interface& which);
     void serve(traced_interface& which);
     void finish_set_up(traced_interface& which);
+    void make_room(record_inbox& inbox);
     void read(traced_interface& which);
     bool take_records(traced_interface& which);
     void lose(traced_interface& which, const std::string& reason, bool again);
@@ -109,15 +113,31 @@ void capture_run::wait(int stop_fd) {
     if (ready > 0 && watched_[1].revents != 0 && !stopping_) {
         stop();
     }
-    for (std::size_t i = 0; i < interfaces_.size() && file_.open(); ++i) {
-        traced_interface& which = *interfaces_[i];
-        if (ready > 0 && watched_[i + 2].revents != 0 && which.fd() == watched_[i + 2].fd) {
-            serve(which);
-        } else if (which.now() == state::WAITING && which.retry_at() <= now_.steady_ms) {
-            begin(which);
+    if (ready > 0) {
+        serve_all();
+    }
+    for (const auto& which : interfaces_) {
+        if (which->now() == state::WAITING && which->retry_at() <= now_.steady_ms) {
+            begin(*which);
         }
     }
     file_.flush();
+}
+
+/// Those that need room only come last: what they have is written before its time, and what the others have just got
+/// may be from before it.
+void capture_run::serve_all() {
+    for (const bool without_room : {false, true}) {
+        for (std::size_t i = 0; i < interfaces_.size() && file_.open(); ++i) {
+            traced_interface& which = *interfaces_[i];
+            pollfd& watched = watched_[i + 2];
+            const bool due = watched.revents != 0 && which.fd() == watched.fd;
+            if (due && (without_room || which.inbox().has_room())) {
+                watched.revents = 0;
+                serve(which);
+            }
+        }
+    }
 }
 
 int capture_run::time_to_wait() {
@@ -165,11 +185,21 @@ void capture_run::finish_set_up(traced_interface& which) {
     }
 }
 
-void capture_run::read(traced_interface& which) {
-    if (!which.inbox().has_room()) {
-        while (!which.inbox().empty() && !which.inbox().has_ample_room()) {
+/// Lets the inbox grow, and when it may not, writes of what waits before its time.
+void capture_run::make_room(record_inbox& inbox) {
+    if (inbox.grow(record_inbox::CAPACITY + COMMON_ROOM / interfaces_.size())) {
+        return;
+    }
+    while (!inbox.empty() && !inbox.has_ample_room()) {
+        for (int i = 0; i < WRITTEN_AT_ONCE && !order_.empty(); ++i) {
             write_next();
         }
+    }
+}
+
+void capture_run::read(traced_interface& which) {
+    if (!which.inbox().has_room()) {
+        make_room(which.inbox());
     }
     std::string reason;
     const bool open = which.read(reason);
@@ -199,8 +229,8 @@ bool capture_run::take_records(traced_interface& which) {
             write(which, record, noted);
             continue;
         }
-        while (inbox.waiting() == record_inbox::MAX_WAITING) {
-            write_next();
+        while (inbox.full()) {
+            make_room(inbox);
         }
         order_.add(inbox, noted, now_.steady_ms);
     }

@@ -19,12 +19,11 @@ struct waiting_record {
     std::uint8_t slot = 0;       // of time_order
 };
 
-/// What one session has sent and is not written yet, in one buffer that never grows: octets as they arrive, and where
-/// in them whole records wait. So half a record holds up nobody else.
+/// What one session has sent and is not written yet, in one buffer: octets as they arrive, and where in them whole
+/// records wait. So half a record holds up nobody else.
 class record_inbox {
 public:
-    static constexpr std::size_t CAPACITY = std::size_t{32} << 10;
-    static constexpr std::size_t MAX_WAITING = 1024;
+    static constexpr std::size_t CAPACITY = std::size_t{32} << 10;  // at first
 
     /// What lies behind the records that were taken.
     enum class found : std::uint8_t {
@@ -39,7 +38,9 @@ public:
     /// Whether a record of any length can be read on to its end.
     [[nodiscard]] bool has_room() const { return has_room(LONGEST_RECORD); }
     /// Whether so much can be read that the next time is some way off.
-    [[nodiscard]] bool has_ample_room() const { return has_room(CAPACITY / 2); }
+    [[nodiscard]] bool has_ample_room() const { return has_room(capacity_ / 2); }
+    /// Makes it twice as large, or as large as is allowed. False when it is that already.
+    bool grow(std::size_t largest);
     /// Where the next octets go. Records that wait may move; what first() has given is no longer there.
     [[nodiscard]] std::span<std::uint8_t> room();
     void filled(std::size_t count) { end_ += count; }
@@ -53,7 +54,8 @@ public:
     /// Lets the record that was just taken wait, behind those of its own time. True when it is now the first.
     bool keep(waiting_record record);
     [[nodiscard]] bool empty() const { return first_ == waiting_.size(); }
-    [[nodiscard]] std::size_t waiting() const { return waiting_.size() - first_; }
+    /// Whether no further record may wait until one has left.
+    [[nodiscard]] bool full() const { return waiting() == most_waiting(); }
     [[nodiscard]] const waiting_record& first() const { return waiting_[first_]; }
     [[nodiscard]] std::span<std::uint8_t> first_octets() const;
     void drop_first();
@@ -70,11 +72,14 @@ public:
 private:
     static constexpr std::size_t LONGEST_RECORD = RECORD_HEADER_LENGTH + RECORD_DATA_MAXIMUM;
 
+    [[nodiscard]] std::size_t waiting() const { return waiting_.size() - first_; }
+    [[nodiscard]] std::size_t most_waiting() const { return capacity_ / 32; }
     [[nodiscard]] bool has_room(std::size_t enough) const;
     [[nodiscard]] std::size_t begin_of_used() const;
     [[nodiscard]] std::size_t offset_of(const waiting_record& record) const { return record.position - base_; }
 
     std::unique_ptr<std::uint8_t[]> octets_;
+    std::size_t capacity_ = CAPACITY;
     std::uint32_t base_ = 0;  // the position of the first octet
     std::size_t begin_ = 0;   // of what was not taken
     std::size_t end_ = 0;
@@ -83,7 +88,7 @@ private:
     std::size_t first_ = 0;
     std::size_t place_ = NOWHERE;
     std::size_t owner_ = 0;
-    bool as_stored_ = true;  // those that wait stand in the order of their octets
+    std::size_t mixed_ = 0;  // so many of those that wait may not stand in the order of their octets
 };
 
 }  // namespace ifwatch::extcap
