@@ -14,11 +14,13 @@
 #include <future>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/plugged_tshark.h"
 #include "support/plugin.h"
 #include "support/process.h"
+#include "support/programs.h"
 #include "support/scripted_daemon.h"
 #include "support/session_script.h"
 #include "support/simulator.h"
@@ -261,6 +263,35 @@ TEST_F(extcap_notes, of_a_restart_are_one_for_each_interface) {
     EXPECT_EQ(count_of(got.output, anew), 2U) << got.output;
 }
 
+/// Waits until the file is so large.
+bool wait_for_size(const std::string& file, std::size_t size) {
+    const auto until = std::chrono::steady_clock::now() + 60s;
+    for (std::string text; text.size() < size; std::this_thread::sleep_for(1ms)) {
+        if (!read_file(file, text) || std::chrono::steady_clock::now() > until) {
+            return false;
+        }
+    }
+    return true;
+}
+
+TEST_F(extcap_patience, an_interface_of_another_type_behind_the_gap_is_another_line) {
+    auto first = std::make_unique<simulator>(text_list{D_CHANNEL}, text_list{"--fault", "silence=1"});
+    const int port = first->port();
+    process program(patiently(port, "2100"));
+    const std::string file = directory.file("capture.pcapng");
+    ASSERT_TRUE(wait_for_size(file, 200)) << program.errors();
+    first.reset();
+    std::string before;
+    ASSERT_TRUE(read_file(file, before));
+    const simulator second({"channel 1\ninterface 2100\nrecord R 9000\n FF 03 C0 21 01 01 00 04\n"},
+                           {"--port", std::to_string(port), "--fault", "silence=1"});
+    ASSERT_TRUE(wait_for_size(file, before.size() + 200)) << program.errors();
+    EXPECT_EQ(program.terminate().status, 0);
+    const outcome shown = run({.program = IFWATCH_READ_PROGRAM, .arguments = {"-2", "-p", file}});
+    EXPECT_THAT(shown.output, HasSubstr("=== ifwatch-2100: ISDN B-channel\n"));
+    EXPECT_THAT(shown.output, HasSubstr("LCP Configure-Request"));
+}
+
 /// Records of 1400 octets, one a millisecond.
 std::string fast_lan(const std::string& index, int first_ms) {
     std::string text = "channel 6\ninterface " + index + "\nrecord R 1000\n 02*12 08 00 00*46\n";
@@ -276,10 +307,7 @@ TEST(extcap_burst, of_two_fast_lines_is_in_order_when_all_of_it_was_there_at_onc
     simulator router({fast_lan("1000", 3100), fast_lan("1100", 3000)},
                      {"--together", "2", "--pace", "real", "--sessions", "2"});
     process program(plugin(capture_arguments(router.port(), file, {"--router-time"}, "1000,1100")));
-    std::string begun;
-    while (begun.size() < 400) {  // the first records, two seconds before the others
-        ASSERT_TRUE(read_file(file, begun));
-    }
+    ASSERT_TRUE(wait_for_size(file, 400)) << "the first records, two seconds before the others";
     program.send_signal(SIGSTOP);
     EXPECT_EQ(router.program().wait().status, 0) << "all is sent";
     program.send_signal(SIGCONT);
