@@ -251,37 +251,6 @@ TEST_F(extcap_inbox, holds_the_longest_record_whatever_waits) {
     }
 }
 
-TEST_F(extcap_inbox, grows_around_what_waits_and_what_is_half_there) {
-    constexpr std::size_t largest = 3 * record_inbox::CAPACITY / 2;
-    const octet_vector part = record_of(9999, 5000);
-    std::uint32_t number = 0;
-    const auto fill = [&] {
-        while (inbox.has_room()) {
-            arrives(record_of(++number, 1000));
-            ASSERT_EQ(next(), found::RECORD);
-            inbox.keep({.order = number});
-        }
-    };
-    fill();
-    const std::uint32_t before = number;
-    inbox.drop_first();
-    arrives(std::span(part).first(3000));
-    ASSERT_EQ(next(), found::PART);
-    EXPECT_TRUE(inbox.grow(largest));
-    EXPECT_FALSE(inbox.grow(largest));
-    arrives(std::span(part).subspan(3000));
-    octet_vector got;
-    ASSERT_EQ(next(&got), found::RECORD);
-    EXPECT_EQ(got, part);
-    fill();
-    EXPECT_GT(number, before + 5) << "there is more room than before";
-    for (std::uint32_t order = 2; !inbox.empty(); ++order) {
-        EXPECT_EQ(inbox.first().order, order);
-        EXPECT_EQ(load_be32(&inbox.first_octets()[4]), order);
-        inbox.drop_first();
-    }
-}
-
 TEST_F(extcap_inbox, has_its_room_back_when_what_was_out_of_order_has_left) {
     for (const std::uint32_t number : {3U, 2U, 4U, 5U}) {
         arrives(record_of(number, 8000));

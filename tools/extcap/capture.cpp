@@ -24,7 +24,7 @@ namespace {
 using state = traced_interface::state;
 
 constexpr int STATUS_MISTAKE = 2;
-constexpr std::size_t COMMON_ROOM = std::size_t{512} << 10;  // of all inboxes beyond what each has at first
+constexpr std::size_t COMMON_ROOM = std::size_t{512} << 10;  // of several inboxes, beyond that of each
 constexpr int WRITTEN_AT_ONCE = 64;                          // records, to make room
 
 template <class Clock>
@@ -80,6 +80,8 @@ bool capture_run::run(const std::vector<std::int32_t>& indexes, int stop_fd) {
     for (const std::int32_t index : indexes) {
         interfaces_.push_back(std::make_unique<traced_interface>(index));
         interfaces_.back()->inbox().belong_to(interfaces_.size() - 1);
+        interfaces_.back()->inbox().hold(record_inbox::CAPACITY +
+                                         (indexes.size() > 1 ? COMMON_ROOM / indexes.size() : 0));
     }
     now_ = arrival_now();
     for (const auto& which : interfaces_) {
@@ -185,11 +187,8 @@ void capture_run::finish_set_up(traced_interface& which) {
     }
 }
 
-/// Lets the inbox grow, and when it may not, writes of what waits before its time.
+/// Writes of what waits before its time.
 void capture_run::make_room(record_inbox& inbox) {
-    if (inbox.grow(record_inbox::CAPACITY + COMMON_ROOM / interfaces_.size())) {
-        return;
-    }
     while (!inbox.empty() && !inbox.has_ample_room()) {
         for (int i = 0; i < WRITTEN_AT_ONCE && !order_.empty(); ++i) {
             write_next();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 #include "trace/element.h"
 
@@ -38,17 +37,6 @@ std::size_t record_inbox::begin_of_used() const {
 
 bool record_inbox::has_room(std::size_t enough) const {
     return !full() && capacity_ - (end_ - begin_of_used()) >= enough;
-}
-
-bool record_inbox::grow(std::size_t largest) {
-    if (capacity_ >= largest) {
-        return false;
-    }
-    capacity_ = std::min(2 * capacity_, largest);
-    auto wider = std::make_unique_for_overwrite<std::uint8_t[]>(capacity_);
-    std::memcpy(wider.get(), octets_.get(), end_);
-    octets_ = std::move(wider);
-    return true;
 }
 
 std::span<std::uint8_t> record_inbox::room() {
@@ -92,7 +80,7 @@ record_read record_inbox::tell_end(int got) const {
 
 bool record_inbox::keep(waiting_record record) {
     record.position = base_ + static_cast<std::uint32_t>(last_);
-    if (waiting_.capacity() < most_waiting() + WORTH_MOVING) {
+    if (waiting_.capacity() == 0) {
         waiting_.reserve(most_waiting() + WORTH_MOVING);
     }
     if (first_ >= WORTH_MOVING || empty()) {

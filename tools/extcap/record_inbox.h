@@ -19,11 +19,11 @@ struct waiting_record {
     std::uint8_t slot = 0;       // of time_order
 };
 
-/// What one session has sent and is not written yet, in one buffer: octets as they arrive, and where in them whole
-/// records wait. So half a record holds up nobody else.
+/// What one session has sent and is not written yet, in one buffer that never grows: octets as they arrive, and where
+/// in them whole records wait. So half a record holds up nobody else.
 class record_inbox {
 public:
-    static constexpr std::size_t CAPACITY = std::size_t{32} << 10;  // at first
+    static constexpr std::size_t CAPACITY = std::size_t{32} << 10;
 
     /// What lies behind the records that were taken.
     enum class found : std::uint8_t {
@@ -32,15 +32,17 @@ public:
         BROKEN,  // a record shorter than its header or longer than can be held; a message has told
     };
 
-    /// Makes an empty one. Needed before anything else.
+    /// How many octets it is to hold, at least CAPACITY; before it is opened the first time. What is not needed takes no
+    /// memory.
+    void hold(std::size_t capacity) { capacity_ = capacity; }
+
+    /// Makes an empty one. Needed before anything below.
     void open();
 
     /// Whether a record of any length can be read on to its end.
     [[nodiscard]] bool has_room() const { return has_room(LONGEST_RECORD); }
     /// Whether so much can be read that the next time is some way off.
     [[nodiscard]] bool has_ample_room() const { return has_room(capacity_ / 2); }
-    /// Makes it twice as large, or as large as is allowed. False when it is that already.
-    bool grow(std::size_t largest);
     /// Where the next octets go. Records that wait may move; what first() has given is no longer there.
     [[nodiscard]] std::span<std::uint8_t> room();
     void filled(std::size_t count) { end_ += count; }
