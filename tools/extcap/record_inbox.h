@@ -32,8 +32,8 @@ public:
         BROKEN,  // a record shorter than its header or longer than can be held; a message has told
     };
 
-    /// How many octets it is to hold, at least CAPACITY; before it is opened the first time. What is not needed takes no
-    /// memory.
+    /// How many octets it is to hold, at least CAPACITY; before it is opened the first time. What is not needed takes
+    /// no memory.
     void hold(std::size_t capacity) { capacity_ = capacity; }
 
     /// Makes an empty one. Needed before anything below.
