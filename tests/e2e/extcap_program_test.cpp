@@ -17,8 +17,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/plugin.h"
 #include "support/process.h"
-#include "support/programs.h"
 #include "support/scripted_daemon.h"
 #include "support/simulator.h"
 #include "support/temp_directory.h"
@@ -59,19 +59,6 @@ std::string flags_as_numbers(std::string fields) {
         }
     }
     return fields;
-}
-
-command plugin(text_list arguments, const std::string& password = "admin") {
-    command what = {.program = IFWATCH_EXTCAP_PROGRAM, .arguments = std::move(arguments), .timeout = PATIENCE};
-    what.environment = {{"TRACE_PWD", password}};
-    return what;
-}
-
-text_list capture_arguments(int port, const std::string& fifo, const text_list& more = {}) {
-    text_list all = {"--capture", "--extcap-interface", "ifwatch",     "--fifo", fifo, "--host", "127.0.0.1",
-                     "--port",    std::to_string(port), "--interface", "1000"};
-    all.insert(all.end(), more.begin(), more.end());
-    return all;
 }
 
 struct pcapng_block {
@@ -279,11 +266,6 @@ TEST_F(extcap_program, finds_the_router_in_the_environment) {
     what.environment.insert(what.environment.end(),
                             {{"TRACE_HOST", "127.0.0.1"}, {"TRACE_PORT", std::to_string(router.port())}});
     EXPECT_EQ(run(what).output, "value {arg=2}{value=1000}{display=1000 LAN}\n");
-}
-
-command reload(int port) {
-    return plugin({"--extcap-config", "--extcap-interface", "ifwatch", "--extcap-reload-option", "interface", "--host",
-                   "127.0.0.1", "--port", std::to_string(port), "--interface", ""});
 }
 
 TEST_F(extcap_program, lists_the_interfaces_of_the_router) {

@@ -107,7 +107,8 @@ TEST(bchannel_choice, has_a_kind_for_all_and_for_one) {
 }
 
 TEST(bchannel_choice, other_words_are_none) {
-    for (const char* text : {"", "ppp,", "ppp,lapb", "2102", "2102=", "=lapb", "2102=x", "-1=ppp", "2102=ppp=lapb"}) {
+    for (const char* text : {"", "ppp,", "ppp,lapb", "2102", "2102=", "=lapb", "2102=x", "-1=ppp", "2102=ppp=lapb",
+                             "2102=lapb,2102=raw", "ppp,2102=lapb,2101=ip,2102=lapb"}) {
         EXPECT_FALSE(parse_bchannel_choice(text)) << text;
     }
 }

@@ -12,6 +12,7 @@
 #include "extcap/record_inbox.h"
 #include "extcap/router_clock.h"
 #include "extcap/time_order.h"
+#include "trace/element.h"
 
 namespace ifwatch::extcap {
 namespace {
@@ -111,6 +112,23 @@ TEST(router_clock, behind_a_gap_tells_a_restart_by_what_has_passed) {
     EXPECT_TRUE(other.moment.restarted);
     EXPECT_EQ(one.at(30'000, 121'000, true), WALL + 121'000U) << "no later than its last record";
     EXPECT_TRUE(one.moment.restarted);
+}
+
+TEST(router_clock, has_a_place_for_a_first_record_of_the_clock_that_another_saw_begin_anew) {
+    router_clock clock(true);
+    clocked one{clock};
+    clocked other{clock};
+    one.at(500'000);
+    one.at(0, 100);
+    EXPECT_EQ(other.at(500'050, 110), 500'050U);
+    EXPECT_FALSE(other.moment.restarted);
+    EXPECT_LT(other.moment.order, one.moment.order);
+    EXPECT_EQ(other.at(60, 160), 60U);
+    EXPECT_TRUE(other.moment.restarted);
+    EXPECT_GT(other.moment.order, one.moment.order) << "the start that is known already";
+    clocked late{clock};
+    EXPECT_EQ(late.at(90, 190), 90U);
+    EXPECT_FALSE(late.moment.restarted);
 }
 
 octet_vector record_of(std::uint32_t timestamp, std::size_t length = 3) {
@@ -230,6 +248,25 @@ TEST_F(extcap_inbox, holds_the_longest_record_whatever_waits) {
         while (!inbox.has_room()) {
             inbox.drop_first();
         }
+    }
+}
+
+TEST_F(extcap_inbox, has_its_room_back_when_what_was_out_of_order_has_left) {
+    for (const std::uint32_t number : {3U, 2U, 4U, 5U}) {
+        arrives(record_of(number, 8000));
+        ASSERT_EQ(next(), found::RECORD);
+        inbox.keep({.order = number});
+    }
+    EXPECT_FALSE(inbox.has_room());
+    inbox.drop_first();
+    EXPECT_FALSE(inbox.has_room()) << "the octets of the first are still needed";
+    EXPECT_EQ(load_be32(&inbox.first_octets()[4]), 3U);
+    inbox.drop_first();
+    EXPECT_TRUE(inbox.has_ample_room());
+    arrives(record_of(6, 8000));
+    for (const std::uint32_t number : {4U, 5U}) {
+        EXPECT_EQ(load_be32(&inbox.first_octets()[4]), number);
+        inbox.drop_first();
     }
 }
 

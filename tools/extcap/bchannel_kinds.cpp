@@ -39,9 +39,14 @@ bool take_part(std::string_view part, bool& has_usual, bchannel_choice& choice) 
         choice.usual = kind;
         return true;
     }
-    const auto index = parse_number(part.substr(0, equals), 0, std::numeric_limits<std::int32_t>::max());
-    choice.exceptions.push_back({static_cast<std::int32_t>(index.value_or(0)), kind});
-    return index.has_value();
+    const auto number = parse_number(part.substr(0, equals), 0, std::numeric_limits<std::int32_t>::max());
+    const auto index = static_cast<std::int32_t>(number.value_or(0));
+    if (!number ||
+        std::ranges::find(choice.exceptions, index, &bchannel_choice::exception::index) != choice.exceptions.end()) {
+        return false;
+    }
+    choice.exceptions.push_back({index, kind});
+    return true;
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ struct bchannel_choice {
     [[nodiscard]] const bchannel_kind& of(std::int32_t index) const;
 };
 
-/// Nothing for an unknown kind, an index that is none, or more than one kind for all.
+/// Nothing for an unknown kind, an index that is none, or more than one kind for all or for one interface.
 [[nodiscard]] std::optional<bchannel_choice> parse_bchannel_choice(std::string_view text);
 
 }  // namespace ifwatch::extcap

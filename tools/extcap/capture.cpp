@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "extcap/capture_file.h"
+#include "extcap/find_interfaces.h"
 #include "extcap/stop.h"
 #include "extcap/time_order.h"
 #include "extcap/traced_interface.h"
@@ -23,6 +24,8 @@ namespace {
 using state = traced_interface::state;
 
 constexpr int STATUS_MISTAKE = 2;
+constexpr std::size_t COMMON_ROOM = std::size_t{512} << 10;  // of several inboxes, beyond that of each
+constexpr int WRITTEN_AT_ONCE = 64;                          // records, to make room
 
 template <class Clock>
 std::int64_t milliseconds_of() {
@@ -43,10 +46,12 @@ public:
 
 private:
     void wait(int stop_fd);
+    void serve_all();
     [[nodiscard]] int time_to_wait();
     void begin(traced_interface& which);
     void serve(traced_interface& which);
     void finish_set_up(traced_interface& which);
+    void make_room(record_inbox& inbox);
     void read(traced_interface& which);
     bool take_records(traced_interface& which);
     void lose(traced_interface& which, const std::string& reason, bool again);
@@ -75,6 +80,8 @@ bool capture_run::run(const std::vector<std::int32_t>& indexes, int stop_fd) {
     for (const std::int32_t index : indexes) {
         interfaces_.push_back(std::make_unique<traced_interface>(index));
         interfaces_.back()->inbox().belong_to(interfaces_.size() - 1);
+        interfaces_.back()->inbox().hold(record_inbox::CAPACITY +
+                                         (indexes.size() > 1 ? COMMON_ROOM / indexes.size() : 0));
     }
     now_ = arrival_now();
     for (const auto& which : interfaces_) {
@@ -108,15 +115,31 @@ void capture_run::wait(int stop_fd) {
     if (ready > 0 && watched_[1].revents != 0 && !stopping_) {
         stop();
     }
-    for (std::size_t i = 0; i < interfaces_.size() && file_.open(); ++i) {
-        traced_interface& which = *interfaces_[i];
-        if (ready > 0 && watched_[i + 2].revents != 0 && which.fd() == watched_[i + 2].fd) {
-            serve(which);
-        } else if (which.now() == state::WAITING && which.retry_at() <= now_.steady_ms) {
-            begin(which);
+    if (ready > 0) {
+        serve_all();
+    }
+    for (const auto& which : interfaces_) {
+        if (which->now() == state::WAITING && which->retry_at() <= now_.steady_ms) {
+            begin(*which);
         }
     }
     file_.flush();
+}
+
+/// Those that need room only come last: what they have is written before its time, and what the others have just got
+/// may be from before it.
+void capture_run::serve_all() {
+    for (const bool without_room : {false, true}) {
+        for (std::size_t i = 0; i < interfaces_.size() && file_.open(); ++i) {
+            traced_interface& which = *interfaces_[i];
+            pollfd& watched = watched_[i + 2];
+            const bool due = watched.revents != 0 && which.fd() == watched.fd;
+            if (due && (without_room || which.inbox().has_room())) {
+                watched.revents = 0;
+                serve(which);
+            }
+        }
+    }
 }
 
 int capture_run::time_to_wait() {
@@ -164,11 +187,18 @@ void capture_run::finish_set_up(traced_interface& which) {
     }
 }
 
-void capture_run::read(traced_interface& which) {
-    if (!which.inbox().has_room()) {
-        while (!which.inbox().empty() && !which.inbox().has_ample_room()) {
+/// Writes of what waits before its time.
+void capture_run::make_room(record_inbox& inbox) {
+    while (!inbox.empty() && !inbox.has_ample_room()) {
+        for (int i = 0; i < WRITTEN_AT_ONCE && !order_.empty(); ++i) {
             write_next();
         }
+    }
+}
+
+void capture_run::read(traced_interface& which) {
+    if (!which.inbox().has_room()) {
+        make_room(which.inbox());
     }
     std::string reason;
     const bool open = which.read(reason);
@@ -198,18 +228,18 @@ bool capture_run::take_records(traced_interface& which) {
             write(which, record, noted);
             continue;
         }
-        while (inbox.waiting() == record_inbox::MAX_WAITING) {
-            write_next();
+        while (inbox.full()) {
+            make_room(inbox);
         }
         order_.add(inbox, noted, now_.steady_ms);
     }
     return got != record_inbox::found::BROKEN;
 }
 
-/// Tells, once for an interface, why it has no session, and lets it be tried again if that is wanted.
+/// Tells why an interface has no session, and lets it be tried again if that is wanted, which is told but once.
 void capture_run::lose(traced_interface& which, const std::string& reason, bool again) {
     again = again && options_.reconnect;
-    if (which.tell_once()) {
+    if (!again || which.tell_once()) {
         const std::string number = interfaces_.size() > 1 ? ", interface " + std::to_string(which.index()) : "";
         tell_("router " + options_.host + number + ": " + reason + (again ? "; trying again" : ""));
     }
@@ -234,7 +264,7 @@ void capture_run::write_overdue() {
 }
 
 void capture_run::write(traced_interface& from, std::span<std::uint8_t> record, const waiting_record& noted) {
-    const std::string note = noted.noted ? from.take_note() : std::string();
+    const std::string note = from.take_note(noted.note);
     file_.put_record(from.line(), record, {.time_ms = clock_.time_of(noted.order), .lost = noted.lost, .text = note});
 }
 
@@ -245,66 +275,22 @@ void capture_run::stop() {
     }
 }
 
-/// Asks the router for its list, as often as it takes with --reconnect. False when the reader of the FIFO has gone.
-bool list_patiently(const plugin_options& options, router_access& access, int fifo, const problem_teller& tell,
-                    std::vector<listed_interface>& listed, opened_session& session) {
-    retry_pause pause;
-    bool told = false;
-    while (true) {
-        session = access.list(listed);
-        if (session.result != set_up::UNREACHABLE || !options.reconnect) {
-            return true;
-        }
-        if (!told) {
-            tell("router " + options.host + ": " + session.reason + "; trying again");
-            told = true;
-        }
-        pollfd reader{fifo, 0, 0};
-        if (poll(&reader, 1, pause.next_s() * 1000) > 0) {
-            return false;
-        }
-    }
-}
-
-/// Finds the indexes of the interfaces to trace, and tells which of them there are not. False when there are none, with
-/// the reason; that is empty when the reader of the FIFO has gone.
-bool find_interfaces(const plugin_options& options, router_access& access, int fifo, const problem_teller& tell,
-                     std::vector<std::int32_t>& indexes, std::string& reason) {
-    std::vector<listed_interface> listed;
-    opened_session session{.result = set_up::OPEN};
-    if (options.interfaces.needs_list() && !list_patiently(options, access, fifo, tell, listed, session)) {
-        return false;
-    }
-    std::vector<std::string> unknown;
-    indexes = resolve_choice(options.interfaces, listed, unknown);
-    std::string words;
-    for (const std::string& word : unknown) {
-        words += (words.empty() ? "" : ",") + word;
-    }
-    const bool has_list = session.result == set_up::OPEN;
-    reason = has_list ? "no interface " + words : "its list, for " + words + ": " + session.reason;
-    if (!unknown.empty() && !indexes.empty()) {
-        tell("router " + options.host + ": " + reason);
-    }
-    return !indexes.empty();
-}
-
 bool capture_interfaces(const plugin_options& options, int fifo, const problem_teller& tell, failure& why) {
     router_access access(options);
     if (!access.prepare(why)) {
         return false;
     }
     why = {};
-    std::vector<std::int32_t> indexes;
-    std::string reason;
-    if (!find_interfaces(options, access, fifo, tell, indexes, reason)) {
-        why.text = reason.empty() ? "" : "router " + options.host + ": " + reason;
-        return reason.empty();
-    }
     const int stop_fd = tell_signals();
     if (stop_fd < 0) {
         why.text = std::string("signals: ") + std::strerror(errno);
         return false;
+    }
+    std::vector<std::int32_t> indexes;
+    std::string reason;
+    if (!find_interfaces(options, access, {fifo, stop_fd}, tell, indexes, reason)) {
+        why.text = reason.empty() ? "" : "router " + options.host + ": " + reason;
+        return reason.empty();
     }
     capture_file file(options, fifo);
     const bool done = capture_run(options, access, file, tell).run(indexes, stop_fd);

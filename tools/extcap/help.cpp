@@ -40,7 +40,7 @@ Options of a capture (in the form, or as tshark -o extcap.ifwatch.NAME:VALUE wit
   --vpi N, --vci N      only this connection of an ATM line
   --router-time         leave the router's time stamps, milliseconds of its own count
   --reconnect           when the router closes a session or cannot be reached, try again after 1, 2, 4 and up to 60
-                        seconds, until the capture is stopped
+                        seconds, until the capture is stopped; what it refuses only if it was traced before
 
 The password comes from the credentials file or from TRACE_PWD. There is no option for it: options can be read in the
 list of processes.
@@ -79,14 +79,15 @@ physical layer, such as its activation, are packets of a further pcapng interfac
 USER0, the record as the router sent it, with the printed event as a comment.
 
 Several interfaces have a session each. What arrives within 50 ms is written in the order of the router's clock, nothing
-is held longer, and each interface keeps its own order where there is but one. An interface that the router refuses, or
-whose session breaks, is named once on the error stream, and the others go on. With --reconnect the first packet behind
-a gap has a comment, such as "gap of 12.345 s: the router closed the session", and so has the first one behind a restart
-of the router's clock.
+is held longer, and each interface keeps its own order where there is but one. Room for that is 32 KB for each interface
+and its share of a further 512 KB; what goes beyond is written earlier. An interface that the router refuses, or whose
+session breaks, is named once on the error stream, and the others go on. With --reconnect the first packet behind a gap
+has a comment, such as "gap of 12.345 s: the router closed the session", the time since the packet before, and so has
+the first one behind a restart of the router's clock.
 
 Exit status: 0 after a capture that the router, the analyser or a signal ended; 1 when the router cannot be reached,
-refuses or breaks off (of several interfaces: all of them), or the packets cannot be written; 2 for a mistake in the options, the filter or the credentials
-file. Nothing but an error goes to the error stream.
+refuses or breaks off (of several interfaces: all of them), or the packets cannot be written; 2 for a mistake in the
+options, the filter or the credentials file. Nothing but an error goes to the error stream.
 )help";
 
 }  // namespace

@@ -1,5 +1,7 @@
+#include <cerrno>
+#include <cstring>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "base/print.h"
 #include "extcap/capture.h"
@@ -7,6 +9,7 @@
 #include "extcap/options.h"
 #include "extcap/router.h"
 #include "extcap/sentences.h"
+#include "extcap/session_setup.h"
 
 namespace {
 
@@ -37,10 +40,13 @@ int reload(const plugin_options& options) {
     if (!access.prepare(why)) {
         return complain(why);
     }
-    std::vector<ifwatch::listed_interface> listed;
-    const opened_session session = access.list(listed);
+    session_setup question;
+    if (!question.start(access, std::nullopt)) {
+        return complain({1, std::string("no process to ask the router: ") + std::strerror(errno)});
+    }
     access.forget_password();
-    return session.result == set_up::OPEN ? answer(interface_value_sentences(listed))
+    const opened_session session = question.take();
+    return session.result == set_up::OPEN ? answer(interface_value_sentences(session.listed))
                                           : complain({1, "router " + options.host + ": " + session.reason});
 }
 

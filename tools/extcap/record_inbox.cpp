@@ -15,17 +15,17 @@ constexpr std::size_t WORTH_MOVING = 128;  // records that were written
 
 void record_inbox::open() {
     if (octets_ == nullptr) {
-        octets_ = std::make_unique_for_overwrite<std::uint8_t[]>(CAPACITY);
+        octets_ = std::make_unique_for_overwrite<std::uint8_t[]>(capacity_);
     }
     base_ = 0;
     begin_ = end_ = last_ = 0;
     waiting_.clear();
     first_ = 0;
-    as_stored_ = true;
+    mixed_ = 0;
 }
 
 std::size_t record_inbox::begin_of_used() const {
-    if (as_stored_) {
+    if (mixed_ == 0) {
         return empty() ? begin_ : offset_of(first());
     }
     std::size_t begin = begin_;
@@ -36,18 +36,18 @@ std::size_t record_inbox::begin_of_used() const {
 }
 
 bool record_inbox::has_room(std::size_t enough) const {
-    return waiting() < MAX_WAITING && CAPACITY - (end_ - begin_of_used()) >= enough;
+    return !full() && capacity_ - (end_ - begin_of_used()) >= enough;
 }
 
 std::span<std::uint8_t> record_inbox::room() {
-    if (CAPACITY - end_ < LONGEST_RECORD) {
+    if (capacity_ - end_ < LONGEST_RECORD) {
         const std::size_t begin = begin_of_used();
         std::memmove(octets_.get(), &octets_[begin], end_ - begin);
         base_ += static_cast<std::uint32_t>(begin);
         begin_ -= begin;
         end_ -= begin;
     }
-    return {&octets_[end_], CAPACITY - end_};
+    return {&octets_[end_], capacity_ - end_};
 }
 
 record_inbox::found record_inbox::next(std::span<std::uint8_t>& record) {
@@ -81,15 +81,17 @@ record_read record_inbox::tell_end(int got) const {
 bool record_inbox::keep(waiting_record record) {
     record.position = base_ + static_cast<std::uint32_t>(last_);
     if (waiting_.capacity() == 0) {
-        waiting_.reserve(MAX_WAITING + WORTH_MOVING);
+        waiting_.reserve(most_waiting() + WORTH_MOVING);
     }
     if (first_ >= WORTH_MOVING || empty()) {
         waiting_.erase(waiting_.begin(), waiting_.begin() + static_cast<std::ptrdiff_t>(first_));
         first_ = 0;
     }
-    as_stored_ = empty() || (as_stored_ && waiting_.back().order <= record.order);
     std::size_t at = waiting_.size();
     waiting_.push_back(record);
+    if (at > first_ && waiting_[at - 1].order > record.order) {
+        mixed_ = waiting();
+    }
     for (; at > first_ && waiting_[at - 1].order > record.order; --at) {
         waiting_[at] = waiting_[at - 1];
     }
@@ -104,6 +106,7 @@ std::span<std::uint8_t> record_inbox::first_octets() const {
 
 void record_inbox::drop_first() {
     ++first_;
+    mixed_ -= std::min<std::size_t>(mixed_, 1);
     if (empty() && begin_ == end_) {
         base_ += static_cast<std::uint32_t>(end_);
         begin_ = end_ = 0;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "base/print.h"
 #include "base/verbose.h"
@@ -22,6 +23,7 @@ namespace {
 
 constexpr int STATUS_MISTAKE = 2;
 constexpr int NEWEST_VERSION = 3;
+constexpr const char* CLOSED = "the router closed the session during its set-up";
 
 std::string& kept_reports() {
     static std::string text;
@@ -34,9 +36,11 @@ void keep_reports() {
     set_report_writer([](std::string_view text) { kept_reports() += text; });
 }
 
-/// What the session's reports say when the router ended the connection.
+/// What the session's reports say when the router ended the connection. An old one acknowledges with an octet, or with
+/// none where it refuses or has something else against it.
 bool tells_of_a_close(std::string_view reports) {
-    return reports.starts_with("missing elem") || reports.starts_with("write ");
+    return reports.starts_with("missing elem") || reports.starts_with("write ") ||
+           reports.starts_with("negative trace acknowledge");
 }
 
 /// Tells of a router that did not take the request for its list as this version of the protocol has it.
@@ -60,12 +64,14 @@ bool router_access::prepare(failure& why) {
            find_password(options_.credentials, options_.host, password_, why.text);
 }
 
-opened_session router_access::list(std::vector<listed_interface>& listed) {
-    listed.clear();
+opened_session router_access::list() {
+    std::vector<listed_interface> listed;
     opened_session session = open(0, {}, &listed);
     if (session.socket_fd >= 0) {
         close(session.socket_fd);
+        session.socket_fd = -1;
     }
+    session.listed = std::move(listed);
     wipe_dead_stack();
     return session;
 }
@@ -106,11 +112,12 @@ opened_session router_access::open(std::int32_t index, addinfo_buffer addinfo, s
     }
     session.reason = take_reports();
     session.channel_type = static_cast<std::int16_t>(context.channel_type);
-    session.result = result == 0                        ? set_up::OPEN
-                     : tells_of_a_close(session.reason) ? set_up::UNREACHABLE
-                                                        : set_up::REFUSED;
+    const bool closed = tells_of_a_close(session.reason);
+    session.result = result == 0 ? set_up::OPEN : closed ? set_up::UNREACHABLE : set_up::REFUSED;
     if (list_mode && result > 0) {
         session.reason = describe_listless(session.reason);
+    } else if (result != 0 && closed) {
+        session.reason = CLOSED;
     }
     return session;
 }

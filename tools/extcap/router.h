@@ -31,7 +31,8 @@ struct opened_session {
     set_up result = set_up::UNREACHABLE;
     int socket_fd = -1;  // of an open one
     std::int16_t channel_type = 0;
-    std::string reason{};  // why there is none
+    std::string reason{};                    // why there is none
+    std::vector<listed_interface> listed{};  // of a session that asked for the list
 };
 
 /// Logs in to the router of the options as often as it is asked to.
@@ -44,7 +45,7 @@ public:
     bool prepare(failure& why);
 
     /// Asks the router for its interfaces.
-    opened_session list(std::vector<listed_interface>& listed);
+    opened_session list();
 
     /// Opens a trace of an interface, with the filter, the line and the capture length of the options.
     opened_session trace(std::int32_t index);

@@ -31,20 +31,18 @@ router_clock::moment router_clock::at(follower& who, std::uint32_t stamp, const 
             begin_period(stamp, came);
         }
     }
-    period& current = periods_.back();
-    const auto number = static_cast<std::uint32_t>(periods_.size() - 1);
-    const bool joins = !who.started || restarted || came.behind_gap;
-    restarted = restarted || (who.started && joins && who.period != number);
-    if (joins) {
-        who.period = number;
-        who.now = nearest(stamp, current.latest);
+    if (!who.started || restarted || came.behind_gap) {
+        const std::size_t number = period_to_join(who, stamp, came);
+        restarted = restarted || (who.started && who.period != number);
+        who.period = static_cast<std::uint32_t>(number);
+        who.now = nearest(stamp, periods_[number].latest);
     } else {
         who.now += static_cast<std::int32_t>(stamp - who.stamp);
     }
     who.started = true;
     who.stamp = stamp;
-    if (who.period == number) {
-        current.latest = std::max(current.latest, who.now);
+    if (who.period + 1 == periods_.size()) {
+        periods_.back().latest = std::max(periods_.back().latest, who.now);
     }
     return {std::uint64_t{who.period} << TIME_BITS | static_cast<std::uint64_t>(who.now + TIME_ZERO), restarted};
 }
@@ -55,13 +53,22 @@ bool router_clock::begins_anew(const follower& who, std::uint32_t stamp, const a
     if (!came.behind_gap) {
         return static_cast<std::int32_t>(stamp - who.stamp) < RESTART_STEP;
     }
-    const period& current = periods_.back();
-    const std::int64_t now = nearest(stamp, current.latest);
-    if (who.period + 1 == periods_.size() && now <= who.now) {
-        return true;
-    }
-    const std::int64_t since = came.steady_ms - current.steady_ms;
-    return std::abs(now - (current.first + since)) > TOLERANCE + since / TOLERANCE_PART;
+    const bool no_later = nearest(stamp, periods_.back().latest) <= who.now;
+    return (who.period + 1 == periods_.size() && no_later) || !fits(periods_.back(), stamp, came);
+}
+
+/// Whether the stamp is about what the clock shows by now if it has not begun anew since.
+bool router_clock::fits(const period& one, std::uint32_t stamp, const arrival& came) {
+    const std::int64_t since = came.steady_ms - one.steady_ms;
+    return std::abs(nearest(stamp, one.latest) - (one.first + since)) <= TOLERANCE + since / TOLERANCE_PART;
+}
+
+/// The newest period, but for an interface whose first record is still of the one before.
+std::size_t router_clock::period_to_join(const follower& who, std::uint32_t stamp, const arrival& came) const {
+    const std::size_t newest = periods_.size() - 1;
+    const bool older =
+        !who.started && newest > 0 && !fits(periods_[newest], stamp, came) && fits(periods_[newest - 1], stamp, came);
+    return older ? newest - 1 : newest;
 }
 
 void router_clock::begin_period(std::uint32_t stamp, const arrival& came) {

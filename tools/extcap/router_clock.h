@@ -47,7 +47,9 @@ private:
         std::int64_t latest = 0;
     };
 
+    [[nodiscard]] static bool fits(const period& one, std::uint32_t stamp, const arrival& came);
     [[nodiscard]] bool begins_anew(const follower& who, std::uint32_t stamp, const arrival& came) const;
+    [[nodiscard]] std::size_t period_to_join(const follower& who, std::uint32_t stamp, const arrival& came) const;
     void begin_period(std::uint32_t stamp, const arrival& came);
 
     bool keeps_stamps_;

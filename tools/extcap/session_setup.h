@@ -3,13 +3,14 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <optional>
 
 #include "extcap/router.h"
 
 namespace ifwatch::extcap {
 
 /// A session that is being set up by a process of its own, so that a router that takes its time, or hangs in the login,
-/// holds up nobody. The connected socket comes back from there.
+/// holds up nobody. The connected socket, or what the router lists, comes back from there.
 class session_setup {
 public:
     static constexpr unsigned PATIENCE = 60;  // seconds for one set-up
@@ -21,8 +22,9 @@ public:
     session_setup(session_setup&&) = delete;
     session_setup& operator=(session_setup&&) = delete;
 
-    /// Begins. False (errno set) where the system has no process or no descriptors for it.
-    bool start(router_access& access, std::int32_t index, unsigned patience = PATIENCE);
+    /// Begins: with the trace of an interface or, without an index, the question for the list. False (errno set) where
+    /// the system has no process or no descriptors for it.
+    bool start(router_access& access, std::optional<std::int32_t> index, unsigned patience = PATIENCE);
 
     /// Readable when the outcome is there; -1 while nothing is being set up.
     [[nodiscard]] int fd() const { return fd_; }

@@ -57,23 +57,23 @@ opened_session traced_interface::take_set_up(std::int64_t steady_ms) {
         watch_peer(socket_fd_);
         inbox_.open();
         behind_gap_ = clock_.started;
+        latest_packet_ms_ = ever_traced_ ? latest_packet_ms_ : steady_ms;
         ever_traced_ = true;
         gave_records_ = false;
         traced_since_ = steady_ms;
-        note_gap(steady_ms);
     }
     return session;
 }
 
-void traced_interface::note_gap(std::int64_t steady_ms) {
-    if (gap_since_ >= 0) {
-        const auto gap = static_cast<std::uint64_t>(steady_ms - gap_since_);
-        text_buffer<64> text;
-        print_to<"gap of %lu.%03lu s: ">(text, gap / 1000, gap % 1000);
-        note_ = std::string(text.text()) + gap_reason_;
-        has_new_note_ = true;
-        gap_since_ = -1;
+/// Tells of a packet that comes now how long there was none, if sessions have ended since the one before.
+std::string traced_interface::tell_gap(std::int64_t steady_ms) {
+    const auto gap = static_cast<std::uint64_t>(steady_ms - std::exchange(latest_packet_ms_, steady_ms));
+    if (gap_reason_.empty()) {
+        return {};
     }
+    text_buffer<64> text;
+    print_to<"gap of %lu.%03lu s: ">(text, gap / 1000, gap % 1000);
+    return std::string(text.text()) + std::exchange(gap_reason_, {});
 }
 
 bool traced_interface::read(std::string& reason) {
@@ -104,18 +104,32 @@ waiting_record traced_interface::note(std::span<const std::uint8_t> record, rout
     came.behind_gap = std::exchange(behind_gap_, false);
     const bool first = !clock_.started;
     const router_clock::moment moment = clock.at(clock_, header.timestamp_ms, came);
+    std::string note = tell_gap(came.steady_ms);
     if (moment.restarted) {
-        note_ += std::string(note_.empty() ? "" : "; ") + "the router's clock began anew";
-        has_new_note_ = true;
+        note += std::string(note.empty() ? "" : "; ") + "the router's clock began anew";
     }
     const std::uint32_t lost = header.sequence - sequence_ - 1;
     // A sequence may begin anew, too.
     const bool continues = !first && !moment.restarted && static_cast<std::int32_t>(lost) > 0;
     sequence_ = header.sequence;
-    return {.order = moment.order, .lost = continues ? lost : 0, .noted = std::exchange(has_new_note_, false)};
+    const std::uint16_t number = note.empty() ? 0 : keep_note(std::move(note));
+    return {.order = moment.order, .lost = continues ? lost : 0, .note = number};
 }
 
-std::string traced_interface::take_note() { return std::exchange(note_, {}); }
+std::uint16_t traced_interface::keep_note(std::string note) {
+    const auto place = std::ranges::find_if(notes_, &std::string::empty);
+    const auto number = static_cast<std::uint16_t>(place - notes_.begin() + 1);
+    if (place == notes_.end()) {
+        notes_.push_back(std::move(note));
+    } else {
+        *place = std::move(note);
+    }
+    return number;
+}
+
+std::string traced_interface::take_note(std::uint16_t number) {
+    return number != 0 ? std::exchange(notes_[number - 1U], {}) : std::string();
+}
 
 void traced_interface::end(bool failed) {
     set_up_.give_up();
@@ -130,8 +144,7 @@ void traced_interface::end_and_wait(const std::string& reason, std::int64_t stea
     state_ = state::WAITING;
     pause_ = lasted ? retry_pause() : pause_;
     retry_at_ = steady_ms + std::int64_t{1000} * pause_.next_s();
-    if (ever_traced_ && gap_since_ < 0) {
-        gap_since_ = steady_ms;
+    if (ever_traced_ && gap_reason_.empty()) {
         gap_reason_ = reason;
     }
 }

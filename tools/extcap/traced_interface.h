@@ -1,30 +1,17 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "extcap/capture_file.h"
 #include "extcap/record_inbox.h"
+#include "extcap/retry_pause.h"
 #include "extcap/router_clock.h"
 #include "extcap/session_setup.h"
 
 namespace ifwatch::extcap {
-
-/// The pauses before further attempts: 1, 2, 4 and up to 60 seconds.
-class retry_pause {
-public:
-    int next_s() {
-        const int pause = pause_s_;
-        pause_s_ = std::min(2 * pause_s_, LONGEST);
-        return pause;
-    }
-
-private:
-    static constexpr int LONGEST = 60;
-    int pause_s_ = 1;
-};
 
 /// One interface of the router during a capture: the session that it has or will have, and what is remembered from one
 /// session to the next.
@@ -61,8 +48,8 @@ public:
     /// Notes a record that was just taken from the inbox.
     waiting_record note(std::span<const std::uint8_t> record, router_clock& clock, router_clock::arrival came);
 
-    /// What is to be told of a noted record, once.
-    [[nodiscard]] std::string take_note();
+    /// What is to be told of a record whose note has this number, once. Empty for 0.
+    [[nodiscard]] std::string take_note(std::uint16_t number);
 
     /// The session, or the attempt, is over. `failed` when that was no end in good order.
     void end(bool failed);
@@ -78,7 +65,8 @@ public:
 
 private:
     void close_socket();
-    void note_gap(std::int64_t steady_ms);
+    std::string tell_gap(std::int64_t steady_ms);
+    std::uint16_t keep_note(std::string note);
 
     state state_ = state::OVER;
     captured_line line_;
@@ -87,10 +75,9 @@ private:
     record_inbox inbox_;
 
     router_clock::follower clock_;
-    std::uint32_t sequence_ = 0;  // of the last record
-    std::string note_;            // of the next record, or of one that waits
-    bool has_new_note_ = false;   // no record has it yet
-    bool behind_gap_ = false;     // the next record is the first of a further session
+    std::uint32_t sequence_ = 0;      // of the last record
+    bool behind_gap_ = false;         // the next record is the first of a further session
+    std::vector<std::string> notes_;  // of records that wait, by their number - 1; empty: free
 
     bool ever_traced_ = false;
     bool failed_ = false;
@@ -99,8 +86,8 @@ private:
     bool gave_records_ = false;
     std::int64_t retry_at_ = 0;
     std::int64_t traced_since_ = 0;
-    std::int64_t gap_since_ = -1;  // there is no session; -1: there is one, or was none yet
-    std::string gap_reason_;
+    std::int64_t latest_packet_ms_ = 0;  // before there is one, the first session's begin
+    std::string gap_reason_;             // why no packet has come since; empty: one may
 };
 
 }  // namespace ifwatch::extcap

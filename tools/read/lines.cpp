@@ -48,7 +48,8 @@ line_identity line_table::identity_of(const capture::capture_interface& describe
     const auto source = capture::find_packet_source(described, channel_type_);
     if (source && source->own && !described.name.empty()) {
         return {.name = described.name.substr(0, described.name.find(' ')),
-                .router = described.description.substr(0, described.description.find(": "))};
+                .router = described.description.substr(0, described.description.find(": ")),
+                .channel_type = source->channel_type};
     }
     return {.name = described.name.empty() ? "interface " + std::to_string(number) : described.name, .number = number};
 }

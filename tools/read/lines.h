@@ -20,6 +20,7 @@ struct line_identity {
     std::string name;         // "ifwatch-3000", "eth0", "interface 1"
     std::string router = {};  // "Interface 3000 of HOST", as ifwatch-extcap notes; empty in other captures
     std::size_t number = 0;   // of the interface; 0 in what ifwatch-extcap has written
+    int channel_type = 0;     // in that: another one begins another line
 
     bool operator==(const line_identity&) const = default;
 };
