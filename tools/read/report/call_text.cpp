@@ -126,7 +126,12 @@ const char* clearing_word(const call_record& call) {
 
 void put_clearing(text_sink& out, const call_record& call, const journal& about) {
     if (!call.cleared) {
-        put(out, call.suspended ? "suspended" : "not over");
+        const char* const lasts = call.replaced ? "no end seen" : "not over";
+        put(out, call.suspended ? "suspended" : lasts);
+        return;
+    }
+    if (call.restarted) {
+        put(out, "ended by RESTART");
         return;
     }
     print_to<"%s by %s">(out, clearing_word(call), clearer(call, about));

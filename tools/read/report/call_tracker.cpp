@@ -1,6 +1,7 @@
 #include "read/report/call_tracker.h"
 
-#include <algorithm>
+#include <bit>
+#include <string>
 
 #include "read/report/call_text.h"
 #include "read/report/page.h"
@@ -29,6 +30,12 @@ void merge(call_message& told, const call_message& message) {
     }
 }
 
+void note_channel(call_tracker& tracker, const call_key& key, const call_message& told) {
+    if (told.channel > 0 && told.channel < static_cast<int>(call_tracker::CHANNELS)) {
+        tracker.on_channel[static_cast<std::size_t>(told.channel)] = key;
+    }
+}
+
 void begin_call(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier,
                 const call_key& key, const call_message& message) {
     call_record call;
@@ -49,6 +56,7 @@ void begin_call(call_tracker& tracker, const journal& about, const frame& what, 
         tracker.first = what.at;
     }
     tracker.calls.begin(key, *about.shared, call);
+    note_channel(tracker, key, call.told);
 }
 
 /// A call that is cleared for one of the terminals that it was offered to goes on for the others, and one that was
@@ -102,6 +110,7 @@ void take_message(call_tracker& tracker, const journal& about, const frame& what
         return;
     }
     merge(call.told, message);
+    note_channel(tracker, key, message);
     if (message.type == MESSAGE_SUSPEND_ACKNOWLEDGE) {
         call.suspended = true;
         tracker.calls.finish(key);
@@ -132,7 +141,8 @@ void take_first_message(call_tracker& tracker, const journal& about, const frame
     if (!tells_of_call(tracker, key, message.type)) {
         return;
     }
-    if (const call_record* const before = tracker.calls.find(key)) {
+    if (call_record* const before = tracker.calls.find(key)) {
+        before->replaced = true;
         conclude_call(*before, about);
     }
     begin_call(tracker, about, what, carrier, key, message);
@@ -141,10 +151,68 @@ void take_first_message(call_tracker& tracker, const journal& about, const frame
     }
 }
 
+// --- RESTART
+
+/// Returns whether there was anything left to clear.
+bool restart_call(call_record& call, const journal& about, place at) {
+    const bool lasted = !call.cleared;
+    if (lasted) {
+        call.cleared = at;
+        call.restarted = true;
+    } else {
+        conclude_call(call, about);
+    }
+    return lasted;
+}
+
+/// A channel carries one call at a time: the last that was to have it, unless it went to another one.
+std::uint64_t restart_channel(call_tracker& tracker, const journal& about, place at, std::size_t channel) {
+    const call_key key = tracker.on_channel[channel];
+    call_record* const call = tracker.calls.find(key);
+    if (call == nullptr || call->told.channel != static_cast<int>(channel)) {
+        return 0;
+    }
+    const bool lasted = restart_call(*call, about, at);
+    tracker.calls.finish(key);
+    return lasted ? 1 : 0;
+}
+
+std::string channels_text(std::uint32_t channels) {
+    if (channels == ALL_CHANNELS) {
+        return "the line was";
+    }
+    text_buffer<16> text;
+    print_to<"B%d was">(text, std::countr_zero(channels));
+    return std::has_single_bit(channels) ? std::string(text.text()) : "channels were";
+}
+
+/// What a RESTART clears is over, and so it is at its acknowledgement, where the RESTART itself was not seen.
+void take_restart(call_tracker& tracker, const journal& about, const frame& what, const call_message& message) {
+    std::uint64_t broken_off = 0;
+    if (message.restarted == ALL_CHANNELS) {
+        tracker.calls.finish_each([&](call_record& call) { broken_off += restart_call(call, about, what.at) ? 1 : 0; });
+    } else {
+        for (std::uint32_t left = message.restarted; left != 0; left &= left - 1) {  // the lowest channel goes
+            broken_off += restart_channel(tracker, about, what.at, static_cast<std::size_t>(std::countr_zero(left)));
+        }
+    }
+    if (broken_off > 0) {
+        const bool by_router = what.sent == (message.type == MESSAGE_RESTART);
+        const char* const who = by_router ? " by the router" : " by the other side";
+        tell_trouble<"%s restarted%s (RESTART), which broke off %s">(about, what.at, channels_text(message.restarted),
+                                                                     about.has_sent ? who : "",
+                                                                     count_text(broken_off, "call"));
+    }
+}
+
 }  // namespace
 
 bool take_call_message(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier) {
     const call_message message = read_call_message(what.data);
+    if (message.restarted != 0 && !message.of_call) {
+        take_restart(tracker, about, what, message);
+        return true;
+    }
     if (!message.of_call) {
         return false;
     }

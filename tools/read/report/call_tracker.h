@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -45,12 +47,17 @@ struct call_record {
     bool cleared_by_router = false;
     bool cleared_by_origin = false;
     bool suspended = false;
+    bool restarted = false;  // cleared by a RESTART
+    bool replaced = false;   // another call took its reference before its end was seen
 };
 
 /// The calls of one D-channel, or of the PABX.
 struct call_tracker {
+    static constexpr std::size_t CHANNELS = 32;
+
     remembered<call_key, call_record> calls;
-    place first;  // where the first of them began, remembered or not
+    std::array<call_key, CHANNELS> on_channel{};  // the last call that was to have it
+    place first;                                  // where the first of them began, remembered or not
     std::uint64_t count = 0;
     std::uint64_t connected = 0;
 };

@@ -84,6 +84,16 @@ public:
         }
     }
 
+    /// Calls `visit` with each entry that still lasts, in that order, and all of them are over.
+    template <class Visit>
+    void finish_each(Visit visit) {
+        while (open_.first != NONE) {
+            item& one = item_at(open_.first);
+            visit(one.entry);
+            finish(one.key);
+        }
+    }
+
     [[nodiscard]] std::size_t size() const { return items_.size(); }
     [[nodiscard]] bool empty() const { return items_.empty(); }
 
