@@ -57,18 +57,18 @@ TEST(Remembered, AKeyThatBeginsAnewEndsTheFirst) {
 TEST(Remembered, NeverHoldsMoreThanItsBoundAndGivesUpWhatIsOverFirst) {
     allowance shared{1U << 20};
     memory calls;
-    const int most = static_cast<int>(memory::MOST);
+    const int most = static_cast<int>(allowance::MOST_OF_EACH);
     for (int i = 0; i < most; ++i) {
         calls.begin(i, shared, {{static_cast<std::uint32_t>(i), 0}, i});
     }
     calls.finish(100);
     calls.begin(most, shared, {{1'000'000, 0}, most});
-    EXPECT_EQ(calls.size(), memory::MOST);
+    EXPECT_EQ(calls.size(), allowance::MOST_OF_EACH);
     EXPECT_EQ(calls.forgotten(), 1U);
     EXPECT_NE(calls.find(0), nullptr);
     EXPECT_TRUE(calls.ended_lately(100));                       // its key is still known
     calls.begin(most + 1, shared, {{1'000'001, 0}, most + 1});  // nothing is over any more: the oldest goes
-    EXPECT_EQ(calls.size(), memory::MOST);
+    EXPECT_EQ(calls.size(), allowance::MOST_OF_EACH);
     EXPECT_EQ(calls.find(0), nullptr);
     EXPECT_NE(calls.find(1), nullptr);
 }
@@ -271,6 +271,8 @@ TEST(IsdnWords, OfBearerAndCompatibilityElements) {
 
 /// A report that frames are handed to, one after the other, of an interface that exists.
 struct fed_report {
+    explicit fed_report(std::size_t most_of_each = allowance::MOST_OF_EACH) : report(most_of_each) {}
+
     report_run report;
     display_context context;
     record_header header;
@@ -315,6 +317,21 @@ std::vector<std::uint8_t> setup(std::uint32_t reference) {
             0x32};
 }
 
+/// A LAN frame of 54 octets with a SYN, from a port and to an address of its own.
+std::vector<std::uint8_t> syn(std::uint32_t number) {
+    std::vector<std::uint8_t> data(54);
+    data[12] = 0x08;
+    data[14] = 0x45;
+    data[23] = 6;
+    data[26] = 10;
+    data[30] = 192;
+    data[32] = static_cast<std::uint8_t>(number >> 8);
+    data[33] = static_cast<std::uint8_t>(number);
+    data[46] = 0x50;
+    data[47] = 0x02;
+    return data;
+}
+
 TEST(ReportRun, AFloodOfCallsMakesADullPage) {
     fed_report fed;
     const std::size_t line = fed.report.begin_interface("2100", 0, 0);
@@ -324,6 +341,24 @@ TEST(ReportRun, AFloodOfCallsMakesADullPage) {
     const std::string page = fed.page();
     EXPECT_LT(page.size(), 4096U);
     EXPECT_NE(page.find("20000 calls, 0 of them connected"), std::string::npos) << page;
+}
+
+TEST(ReportRun, NoTrackerRemembersMoreThanItIsAllowedTo) {
+    fed_report fed(4);
+    const std::size_t line = fed.report.begin_interface("2100", 0, 0);
+    const std::size_t lan = fed.report.begin_interface("1000", 6, 0);
+    for (std::uint32_t i = 1; i <= 30; ++i) {
+        fed.take(line, setup(i));
+        EXPECT_EQ(fed.report.most_remembered(), std::min(i, 4U));
+    }
+    for (std::uint32_t i = 0; i < 30; ++i) {
+        fed.take(lan, syn(i));
+        EXPECT_EQ(fed.report.most_remembered(), 4U);
+    }
+    const std::string page = fed.page();
+    EXPECT_NE(page.find("30 calls, 0 of them connected"), std::string::npos) << page;
+    EXPECT_NE(page.find("and 26 more"), std::string::npos) << page;
+    EXPECT_NE(page.find("30 TCP connections asked for"), std::string::npos) << page;
 }
 
 /// On a leased line with PPP: the page never shows what stood behind the name of a login.
@@ -339,21 +374,6 @@ TEST(ReportRun, APasswordIsNeverOnThePage) {
         EXPECT_EQ(page.find("SE"), std::string::npos) << page;
         EXPECT_EQ(page.find("'me'") != std::string::npos, name_length == 2) << page;
     }
-}
-
-/// A LAN frame of 54 octets with a SYN, from a port and to an address of its own.
-std::vector<std::uint8_t> syn(std::uint32_t number) {
-    std::vector<std::uint8_t> data(54);
-    data[12] = 0x08;
-    data[14] = 0x45;
-    data[23] = 6;
-    data[26] = 10;
-    data[30] = 192;
-    data[32] = static_cast<std::uint8_t>(number >> 8);
-    data[33] = static_cast<std::uint8_t>(number);
-    data[46] = 0x50;
-    data[47] = 0x02;
-    return data;
 }
 
 TEST(ReportRun, AFloodOfSynsMakesADullPage) {

@@ -18,8 +18,8 @@ namespace ifwatch::reporting {
 [[nodiscard]] std::uint64_t hash_factor();
 
 /// What a tracker remembers of its interface: calls, sessions or pairs, found by a key while they last. There are never
-/// more than MOST of them, nor than all trackers together may have: the oldest that is over makes room, or the oldest,
-/// and is only counted from then on.
+/// more of them than an allowance grants: the oldest that is over makes room, or the oldest, and is only counted from
+/// then on.
 ///
 /// A key is a number, or a structure without padding that can be compared; an entry has a member `first`, the place
 /// where it began. References to entries stay until that entry is given up.
@@ -28,8 +28,6 @@ class remembered {
     static_assert(std::has_unique_object_representations_v<Key>, "the octets of a key are hashed");
 
 public:
-    static constexpr std::size_t MOST = 4096;
-
     /// The entry that lasts under this key; nullptr: none.
     [[nodiscard]] Entry* find(const Key& key) {
         const int at = index_of(key);
@@ -120,7 +118,7 @@ private:
     [[nodiscard]] const item& item_at(int at) const { return items_[static_cast<std::size_t>(at)]; }
 
     int take_slot(allowance& shared) {
-        const bool full = size() >= MOST || (shared.left == 0 && size() > 0);
+        const bool full = size() >= shared.of_each || (shared.left == 0 && size() > 0);
         if (!full) {
             shared.left -= shared.left > 0 ? 1 : 0;
             items_.emplace_back();

@@ -82,7 +82,10 @@ void print_protocol(const protocol& about, const std::deque<interface_report>& i
 
 }  // namespace
 
-report_run::report_run() { static_cast<void>(hash_factor()); }
+report_run::report_run(std::size_t most_of_each) {
+    shared_.of_each = most_of_each;
+    static_cast<void>(hash_factor());
+}
 
 std::size_t report_run::begin_interface(std::string_view name, int channel_type, std::uint32_t mode_flags,
                                         std::string_view router) {
@@ -131,6 +134,17 @@ void report_run::take(std::size_t interface_number, const display_context& conte
     take_line_data(to.line);
     const bool known = context.payload.length > 0 && take_layers(to, what, header);
     count_frame(to.seen, what.sent, context.original_length, known);
+}
+
+std::size_t report_run::most_remembered() const {
+    std::size_t most = 0;
+    for (const interface_report& of : interfaces_) {
+        most = std::max({most, of.isdn.links.links.size(), of.isdn.calls.calls.size(), of.ppp.links.size(),
+                         of.pppoe.searches.size(), of.x25.lapb.links.size(), of.x25.calls.size(),
+                         of.x25.restarts.size(), of.fax.sessions.size(), of.eft.requests.size(), of.lan.arps.size(),
+                         of.lan.connections.size(), of.lan.askers.size(), of.lan.failures.size()});
+    }
+    return most;
 }
 
 bool report_run::print_head() const {
