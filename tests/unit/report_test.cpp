@@ -73,6 +73,24 @@ TEST(Remembered, NeverHoldsMoreThanItsBoundAndGivesUpWhatIsOverFirst) {
     EXPECT_NE(calls.find(1), nullptr);
 }
 
+TEST(Remembered, WhatHappenedMostStays) {
+    struct counted {
+        place first;
+        int times = 1;
+    };
+    allowance shared{.of_each = 32};
+    remembered<int, counted> pairs;
+    for (int i = 0; i < 1000; ++i) {
+        pairs.begin(i, shared, {{static_cast<std::uint32_t>(i), 0}, i % 100 == 0 ? 5 : 1});
+    }
+    EXPECT_EQ(pairs.size(), 32U);
+    for (int i = 0; i < 1000; i += 100) {
+        EXPECT_NE(pairs.find(i), nullptr) << i;
+    }
+    EXPECT_EQ(pairs.find(1), nullptr);
+    EXPECT_NE(pairs.find(999), nullptr);
+}
+
 TEST(Remembered, SharesAnAllowance) {
     allowance shared{3};
     memory first;
