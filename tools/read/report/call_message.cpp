@@ -151,8 +151,17 @@ void read_element(octets element, call_message& message) {
     }
 }
 
-/// Reads the elements of codeset 0; those of others are walked over.
+/// Of the codeset that is the network's own.
+void read_network_element(octets element, call_message& message) {
+    constexpr int element_service = 0x01;
+    if (message.variant == VARIANT_1TR6 && element[0] == element_service && element.length > 3) {
+        message.service = element.be16(2);
+    }
+}
+
+/// Reads the elements of the codesets 0 and 6; those of others are walked over.
 void read_elements(octets rest, call_message& message) {
+    constexpr int of_network = 6;
     int codeset = 0;
     int next_codeset = 0;
     while (rest.within() > 0) {
@@ -167,6 +176,8 @@ void read_elements(octets rest, call_message& message) {
         } else {
             if (next_codeset == 0) {
                 read_element(rest.cut(length), message);
+            } else if (next_codeset == of_network) {
+                read_network_element(rest.cut(length), message);
             }
             next_codeset = codeset;
         }

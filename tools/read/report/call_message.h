@@ -23,6 +23,7 @@ inline constexpr int MESSAGE_RELEASE_COMPLETE = 0x5A;
 
 inline constexpr int NO_CHANNEL = -1;
 inline constexpr int NO_CAUSE = 0;
+inline constexpr int NO_SERVICE = -1;
 inline constexpr std::uint32_t ALL_CHANNELS = ~0U;
 
 /// What one signalling message says of its call. Texts are empty where it has none.
@@ -42,6 +43,7 @@ struct call_message {
     table_text bearer;
     table_text high_layer;
     table_text layer2;
+    int service = NO_SERVICE;  // of FTZ 1 TR 6: the service indicator, and its additional information
     int channel = NO_CHANNEL;
     int cause = NO_CAUSE;  // with its extension bit
     int location = 0;      // of the cause, ITU-T Q.850 clause 2.2.3

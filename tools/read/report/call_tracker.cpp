@@ -11,7 +11,8 @@ namespace ifwatch::reporting {
 namespace {
 
 /// Takes over what a message says, where it says something.
-void merge(call_message& told, const call_message& message) {
+void merge(call_record& call, const call_message& message) {
+    call_message& told = call.told;
     const auto take_text = [](short_text& to, const short_text& from) {
         if (!from.empty()) {
             to = from;
@@ -24,8 +25,9 @@ void merge(call_message& told, const call_message& message) {
     told.high_layer = message.high_layer ? message.high_layer : told.high_layer;
     told.layer2 = message.layer2 ? message.layer2 : told.layer2;
     told.channel = message.channel != NO_CHANNEL ? message.channel : told.channel;
-    // Digits that are dialled later come one by one.
-    if (!message.from_destination) {
+    told.service = message.service != NO_SERVICE ? message.service : told.service;
+    // Digits that are dialled later come one by one; those of a call that may be connected are no number, but a PIN.
+    if (!message.from_destination && !call.connected && !call.began_before) {
         told.called.append(message.called);
     }
 }
@@ -50,7 +52,7 @@ void begin_call(call_tracker& tracker, const journal& about, const frame& what, 
     call.told = message;
     call.told.cause = NO_CAUSE;
     if (call.began_before) {
-        call.told.called.clear();  // taken with the rest of the message
+        call.told.called.clear();
     }
     if (tracker.count++ == 0) {
         tracker.first = what.at;
@@ -109,7 +111,7 @@ void take_message(call_tracker& tracker, const journal& about, const frame& what
     if (is_of_other_terminal(call, carrier)) {
         return;
     }
-    merge(call.told, message);
+    merge(call, message);
     note_channel(tracker, key, message);
     if (message.type == MESSAGE_SUSPEND_ACKNOWLEDGE) {
         call.suspended = true;
