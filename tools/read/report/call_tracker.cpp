@@ -38,6 +38,12 @@ void note_channel(call_tracker& tracker, const call_key& key, const call_message
     }
 }
 
+/// A channel carries one call at a time: the last that was to have it, unless it went to another one. nullptr: none.
+call_record* call_on_channel(call_tracker& tracker, std::size_t channel) {
+    call_record* const call = tracker.calls.find(tracker.on_channel[channel]);
+    return call != nullptr && call->told.channel == static_cast<int>(channel) ? call : nullptr;
+}
+
 void begin_call(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier,
                 const call_key& key, const call_message& message) {
     call_record call;
@@ -167,15 +173,14 @@ bool restart_call(call_record& call, const journal& about, place at) {
     return lasted;
 }
 
-/// A channel carries one call at a time: the last that was to have it, unless it went to another one.
+/// Returns how many calls there were to clear.
 std::uint64_t restart_channel(call_tracker& tracker, const journal& about, place at, std::size_t channel) {
-    const call_key key = tracker.on_channel[channel];
-    call_record* const call = tracker.calls.find(key);
-    if (call == nullptr || call->told.channel != static_cast<int>(channel)) {
+    call_record* const call = call_on_channel(tracker, channel);
+    if (call == nullptr) {
         return 0;
     }
     const bool lasted = restart_call(*call, about, at);
-    tracker.calls.finish(key);
+    tracker.calls.finish(tracker.on_channel[channel]);
     return lasted ? 1 : 0;
 }
 
@@ -233,6 +238,18 @@ bool take_call_message(call_tracker& tracker, const journal& about, const frame&
         take_first_message(tracker, about, what, carrier, key, message);
     }
     return true;
+}
+
+void take_line_loss(call_tracker& tracker, const journal& about) {
+    std::uint64_t connected = 0;
+    for (std::size_t channel = 1; channel < call_tracker::CHANNELS; ++channel) {
+        const call_record* const call = call_on_channel(tracker, channel);
+        const bool stands = call != nullptr && call->connected && !call->cleared;
+        connected += stands && call->lost == about.lost ? 1 : 0;
+    }
+    if (connected > 0) {
+        tell_trouble<"layer 1 went down in the middle of %s">(about, about.now, count_text(connected, "call"));
+    }
 }
 
 void finish_calls(call_tracker& tracker, const journal& about) {

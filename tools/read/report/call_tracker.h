@@ -65,6 +65,9 @@ struct call_tracker {
 /// One signalling message, from its protocol discriminator on. False when it is no message of a call.
 bool take_call_message(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier);
 
+/// Layer 1 went down with the record at hand: tells of the calls in the middle of which it did.
+void take_line_loss(call_tracker& tracker, const journal& about);
+
 /// What can only be said at the end. Nothing may be taken behind it.
 void finish_calls(call_tracker& tracker, const journal& about);
 

@@ -123,7 +123,11 @@ void report_run::take(std::size_t interface_number, const display_context& conte
     to.about.lost = to.seen.lost;
     const std::uint32_t event = header.channel_info & 0xFF;
     if (event != 0 && to.channel_type != CHANNEL_OLD_ATM) {
+        const bool was_up = to.line.up;
         take_line_event(to.line, to.about, event, header.record_flags);
+        if (was_up && !to.line.up) {
+            take_line_loss(to.isdn.calls, to.about);
+        }
         return;
     }
     const frame what{.at = at,
