@@ -436,6 +436,21 @@ TEST(ReportRun, AnInterfaceOfTheSameRouterGoesOn) {
     EXPECT_NE(report.begin_interface("2100", 0, 0), first);  // of whom nothing is known
 }
 
+TEST(ReportRun, WhatWasLookedAtIsBrokenAsEverythingElse) {
+    fed_report fed;
+    for (const int type : {0, 6, 16, 23}) {
+        fed.take(fed.report.begin_interface("", type, 0), {0xFF, 0x03, 0x80, 0x21, 0x0A, 0x01, 0x00, 0x04, 0x00, 0x00,
+                                                           0x00, 0x00, 0x08, 0x00, 0x45, 0x00, 0x00});
+    }
+    const std::string page = fed.page();
+    EXPECT_NE(
+        page.find("\nTrouble\n"
+                  "  None. Looked at: TEIs, data links and calls, PPP negotiation and logins, LAPB links and X.25\n"
+                  "      calls, ARP, TCP connections and ICMP refusals.\n\n"),
+        std::string::npos)
+        << page;
+}
+
 TEST(ReportRun, WithoutDirectionsTheRouterIsNotNamed) {
     fed_report fed;
     const std::size_t line = fed.report.begin_interface("", 0, 0);

@@ -139,7 +139,9 @@ void take_link_frame(link_tracker& tracker, const journal& about, const frame& w
     }
     take_link_control(tracker.links, about, what, {lapd_sapi(data), lapd_tei(data), "SABME"}, control);
     if ((control & ~LAPD_POLL_FINAL) == FRMR) {
-        tell_trouble<"a frame was not understood on TEI %d (FRMR)">(about, what.at, lapd_tei(data));
+        const char* const who = what.sent ? "the router" : "the other side";
+        tell_trouble<"%s did not understand a frame on TEI %d (FRMR)">(
+            about, what.at, about.has_sent ? who : "a station", lapd_tei(data));
     }
 }
 

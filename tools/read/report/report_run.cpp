@@ -177,15 +177,15 @@ void report_run::print_trouble() const {
         troubles_.print_lines();
         return;
     }
-    ifwatch::print<"  None. Looked at: ">();
-    const char* between = "";
+    std::string looked_at;
     for (const protocol& about : PROTOCOLS) {
         if (std::ranges::any_of(interfaces_, about.was_seen)) {
-            ifwatch::print<"%s%s">(between, about.looked_at);
-            between = ", ";
+            looked_at.append(looked_at.empty() ? "" : ", ").append(about.looked_at);
         }
     }
-    ifwatch::print<"%s.\n">(*between == '\0' ? "nothing that this report knows" : "");
+    looked_at = looked_at.empty() ? "nothing that this report knows" : looked_at;
+    ifwatch::print<"  ">();
+    print_broken("None. Looked at: " + looked_at + ".", 2, 6);
 }
 
 void report_run::print() {
