@@ -57,20 +57,38 @@ TEST(Remembered, AKeyThatBeginsAnewEndsTheFirst) {
 TEST(Remembered, NeverHoldsMoreThanItsBoundAndGivesUpWhatIsOverFirst) {
     allowance shared{1U << 20};
     memory calls;
-    const int most = static_cast<int>(memory::MOST);
+    const int most = static_cast<int>(allowance::MOST_OF_EACH);
     for (int i = 0; i < most; ++i) {
         calls.begin(i, shared, {{static_cast<std::uint32_t>(i), 0}, i});
     }
     calls.finish(100);
     calls.begin(most, shared, {{1'000'000, 0}, most});
-    EXPECT_EQ(calls.size(), memory::MOST);
+    EXPECT_EQ(calls.size(), allowance::MOST_OF_EACH);
     EXPECT_EQ(calls.forgotten(), 1U);
     EXPECT_NE(calls.find(0), nullptr);
     EXPECT_TRUE(calls.ended_lately(100));                       // its key is still known
     calls.begin(most + 1, shared, {{1'000'001, 0}, most + 1});  // nothing is over any more: the oldest goes
-    EXPECT_EQ(calls.size(), memory::MOST);
+    EXPECT_EQ(calls.size(), allowance::MOST_OF_EACH);
     EXPECT_EQ(calls.find(0), nullptr);
     EXPECT_NE(calls.find(1), nullptr);
+}
+
+TEST(Remembered, WhatHappenedMostStays) {
+    struct counted {
+        place first;
+        int times = 1;
+    };
+    allowance shared{.of_each = 32};
+    remembered<int, counted> pairs;
+    for (int i = 0; i < 1000; ++i) {
+        pairs.begin(i, shared, {{static_cast<std::uint32_t>(i), 0}, i % 100 == 0 ? 5 : 1});
+    }
+    EXPECT_EQ(pairs.size(), 32U);
+    for (int i = 0; i < 1000; i += 100) {
+        EXPECT_NE(pairs.find(i), nullptr) << i;
+    }
+    EXPECT_EQ(pairs.find(1), nullptr);
+    EXPECT_NE(pairs.find(999), nullptr);
 }
 
 TEST(Remembered, SharesAnAllowance) {
@@ -245,6 +263,16 @@ TEST(CallMessage, ReadsChannelsOfBothKindsOfInterface) {
     EXPECT_EQ(message_of({0x08, 0x02, 0x00, 0x07, 0x02, 0x18, 0x03, 0xA9, 0x93, 0x91}).channel, NO_CHANNEL);  // a map
 }
 
+TEST(CallMessage, ReadsWhatARestartIndicates) {
+    EXPECT_EQ(message_of({0x08, 0x01, 0x00, 0x46, 0x18, 0x01, 0x8A, 0x79, 0x01, 0x80}).restarted, 1U << 2);
+    EXPECT_EQ(message_of({0x08, 0x02, 0x80, 0x00, 0x4E, 0x18, 0x05, 0xA9, 0x83, 0x05, 0x91, 0xA0, 0x79, 0x01, 0x80})
+                  .restarted,
+              1U << 5 | 1U << 17);  // and one that no interface has
+    EXPECT_EQ(message_of({0x08, 0x02, 0x00, 0x00, 0x46, 0x79, 0x01, 0x86}).restarted, ALL_CHANNELS);
+    EXPECT_EQ(message_of({0x08, 0x02, 0x00, 0x00, 0x46, 0x18, 0x03, 0xA9, 0x93, 0x91}).restarted, 0U);  // a map
+    EXPECT_EQ(message_of({0x08, 0x01, 0x00, 0x07, 0x18, 0x01, 0x8A}).restarted, 0U);                    // no RESTART
+}
+
 TEST(CallMessage, AnElementThatIsLongerThanTheRestEndsIt) {
     EXPECT_EQ(text_of(message_of({0x08, 0x01, 0x07, 0x05, 0x70, 0x09, 0x80, 0x31}).called), "");
 }
@@ -261,6 +289,8 @@ TEST(IsdnWords, OfBearerAndCompatibilityElements) {
 
 /// A report that frames are handed to, one after the other, of an interface that exists.
 struct fed_report {
+    explicit fed_report(std::size_t most_of_each = allowance::MOST_OF_EACH) : report(most_of_each) {}
+
     report_run report;
     display_context context;
     record_header header;
@@ -305,6 +335,21 @@ std::vector<std::uint8_t> setup(std::uint32_t reference) {
             0x32};
 }
 
+/// A LAN frame of 54 octets with a SYN, from a port and to an address of its own.
+std::vector<std::uint8_t> syn(std::uint32_t number) {
+    std::vector<std::uint8_t> data(54);
+    data[12] = 0x08;
+    data[14] = 0x45;
+    data[23] = 6;
+    data[26] = 10;
+    data[30] = 192;
+    data[32] = static_cast<std::uint8_t>(number >> 8);
+    data[33] = static_cast<std::uint8_t>(number);
+    data[46] = 0x50;
+    data[47] = 0x02;
+    return data;
+}
+
 TEST(ReportRun, AFloodOfCallsMakesADullPage) {
     fed_report fed;
     const std::size_t line = fed.report.begin_interface("2100", 0, 0);
@@ -314,6 +359,24 @@ TEST(ReportRun, AFloodOfCallsMakesADullPage) {
     const std::string page = fed.page();
     EXPECT_LT(page.size(), 4096U);
     EXPECT_NE(page.find("20000 calls, 0 of them connected"), std::string::npos) << page;
+}
+
+TEST(ReportRun, NoTrackerRemembersMoreThanItIsAllowedTo) {
+    fed_report fed(4);
+    const std::size_t line = fed.report.begin_interface("2100", 0, 0);
+    const std::size_t lan = fed.report.begin_interface("1000", 6, 0);
+    for (std::uint32_t i = 1; i <= 30; ++i) {
+        fed.take(line, setup(i));
+        EXPECT_EQ(fed.report.most_remembered(), std::min(i, 4U));
+    }
+    for (std::uint32_t i = 0; i < 30; ++i) {
+        fed.take(lan, syn(i));
+        EXPECT_EQ(fed.report.most_remembered(), 4U);
+    }
+    const std::string page = fed.page();
+    EXPECT_NE(page.find("30 calls, 0 of them connected"), std::string::npos) << page;
+    EXPECT_NE(page.find("and 26 more"), std::string::npos) << page;
+    EXPECT_NE(page.find("30 TCP connections asked for"), std::string::npos) << page;
 }
 
 /// On a leased line with PPP: the page never shows what stood behind the name of a login.
@@ -329,21 +392,6 @@ TEST(ReportRun, APasswordIsNeverOnThePage) {
         EXPECT_EQ(page.find("SE"), std::string::npos) << page;
         EXPECT_EQ(page.find("'me'") != std::string::npos, name_length == 2) << page;
     }
-}
-
-/// A LAN frame of 54 octets with a SYN, from a port and to an address of its own.
-std::vector<std::uint8_t> syn(std::uint32_t number) {
-    std::vector<std::uint8_t> data(54);
-    data[12] = 0x08;
-    data[14] = 0x45;
-    data[23] = 6;
-    data[26] = 10;
-    data[30] = 192;
-    data[32] = static_cast<std::uint8_t>(number >> 8);
-    data[33] = static_cast<std::uint8_t>(number);
-    data[46] = 0x50;
-    data[47] = 0x02;
-    return data;
 }
 
 TEST(ReportRun, AFloodOfSynsMakesADullPage) {
@@ -386,6 +434,21 @@ TEST(ReportRun, AnInterfaceOfTheSameRouterGoesOn) {
     EXPECT_NE(report.begin_interface("2100", 0, 0, "another"), first);
     EXPECT_NE(report.begin_interface("2101", 1, 0, "router"), first);
     EXPECT_NE(report.begin_interface("2100", 0, 0), first);  // of whom nothing is known
+}
+
+TEST(ReportRun, WhatWasLookedAtIsBrokenAsEverythingElse) {
+    fed_report fed;
+    for (const int type : {0, 6, 16, 23}) {
+        fed.take(fed.report.begin_interface("", type, 0), {0xFF, 0x03, 0x80, 0x21, 0x0A, 0x01, 0x00, 0x04, 0x00, 0x00,
+                                                           0x00, 0x00, 0x08, 0x00, 0x45, 0x00, 0x00});
+    }
+    const std::string page = fed.page();
+    EXPECT_NE(
+        page.find("\nTrouble\n"
+                  "  None. Looked at: TEIs, data links and calls, PPP negotiation and logins, LAPB links and X.25\n"
+                  "      calls, ARP, TCP connections and ICMP refusals.\n\n"),
+        std::string::npos)
+        << page;
 }
 
 TEST(ReportRun, WithoutDirectionsTheRouterIsNotNamed) {

@@ -166,7 +166,7 @@ TEST(X25Tracker, RemembersNoMoreThanItsBound) {
                                           static_cast<std::uint8_t>(i), 0x0B, 0x00, 0x00};
         take_x25(tracker, about, {{i, i}, true, true, octets_of(call)}, static_cast<int>(i >> 12));
     }
-    EXPECT_LE(tracker.calls.size(), (remembered<x25_key, x25_call>::MOST));
+    EXPECT_LE(tracker.calls.size(), allowance::MOST_OF_EACH);
     EXPECT_GT(tracker.calls.forgotten(), 0U);
     std::vector<std::uint8_t> restart = {0x10, 0x00, 0xFB, 0x00, 0x00};
     take_x25(tracker, about, {{30'000, 30'000}, true, true, octets_of(restart)}, 4);

@@ -24,6 +24,9 @@ constexpr int CAUSE_REJECTED_1TR6 = 0xBE;
 constexpr int EVERYDAY_Q850[] = {NO_CAUSE, 0x87, 0x90, CAUSE_BUSY, 0x93, 0x9A, 0x9E, 0x9F};
 constexpr int EVERYDAY_1TR6[] = {NO_CAUSE, 0xBA, 0xBB, 0xDA, 0xF2, 0xF3};
 
+// What no subscriber says, but the exchange: 1TR6 has no location beside the cause.
+constexpr int OF_NETWORK_1TR6[] = {0x83, 0x8A, 0x90, 0x91, 0xA0, 0xA1, 0xA2, 0xA3, 0xA5, 0xB5, 0xB8, 0xB9, 0xBD, 0xD9};
+
 struct advice {
     int variant;
     int cause;
@@ -84,7 +87,9 @@ const char* clearer(const call_record& call, const journal& about) {
         return "the router";
     }
     const int location = call.told.location;
-    const bool by_network = location != location_user && location != location_remote_private;
+    const bool by_network = call.told.variant == VARIANT_1TR6
+                                ? std::ranges::find(OF_NETWORK_1TR6, call.told.cause) != std::end(OF_NETWORK_1TR6)
+                                : location != location_user && location != location_remote_private;
     return by_network ? "the network" : "the other side";
 }
 
@@ -107,6 +112,9 @@ void put_service(text_sink& out, const call_message& told) {
             print_to<", %s">(out, padded.substr(0, padded.find_last_not_of(' ') + 1));
         }
     }
+    if (told.service != NO_SERVICE) {
+        print_to<", service %02X %02X">(out, told.service >> 8, told.service & 0xFF);
+    }
     if (told.channel > 0) {
         print_to<", B%d">(out, told.channel);
     }
@@ -126,7 +134,12 @@ const char* clearing_word(const call_record& call) {
 
 void put_clearing(text_sink& out, const call_record& call, const journal& about) {
     if (!call.cleared) {
-        put(out, call.suspended ? "suspended" : "not over");
+        const char* const lasts = call.replaced ? "no end seen" : "not over";
+        put(out, call.suspended ? "suspended" : lasts);
+        return;
+    }
+    if (call.restarted) {
+        put(out, "ended by RESTART");
         return;
     }
     print_to<"%s by %s">(out, clearing_word(call), clearer(call, about));
@@ -180,12 +193,12 @@ void tell_cause(const call_record& call, const journal& about) {
     number_buffer number;
     text_buffer<160> cause;
     put_cause(cause, call);
-    if (call.began_before && call.told.called.empty()) {
+    if (call.began_before) {
         tell_trouble<"a call was broken off by %s: %s">(about, *call.cleared, clearer(call, about), cause.text());
         return;
     }
     put_number(number, call.told.called, call.told.called_subaddress);
-    if (call.connected || call.began_before) {
+    if (call.connected) {
         tell_trouble<"the call %s %s was broken off by %s: %s">(about, *call.cleared, direction, number.text(),
                                                                 clearer(call, about), cause.text());
         return;
@@ -201,7 +214,7 @@ void tell_cause(const call_record& call, const journal& about) {
 void put_call(text_sink& out, const call_record& call, const journal& about) {
     const call_message& told = call.told;
     put_direction(out, call, about);
-    if (!call.began_before || !told.called.empty()) {
+    if (!call.began_before) {
         put(out, " to ");
         put_number(out, told.called, told.called_subaddress);
     }

@@ -1,6 +1,7 @@
 #include "read/report/call_tracker.h"
 
-#include <algorithm>
+#include <bit>
+#include <string>
 
 #include "read/report/call_text.h"
 #include "read/report/page.h"
@@ -10,7 +11,8 @@ namespace ifwatch::reporting {
 namespace {
 
 /// Takes over what a message says, where it says something.
-void merge(call_message& told, const call_message& message) {
+void merge(call_record& call, const call_message& message) {
+    call_message& told = call.told;
     const auto take_text = [](short_text& to, const short_text& from) {
         if (!from.empty()) {
             to = from;
@@ -23,10 +25,23 @@ void merge(call_message& told, const call_message& message) {
     told.high_layer = message.high_layer ? message.high_layer : told.high_layer;
     told.layer2 = message.layer2 ? message.layer2 : told.layer2;
     told.channel = message.channel != NO_CHANNEL ? message.channel : told.channel;
-    // Digits that are dialled later come one by one.
-    if (!message.from_destination) {
+    told.service = message.service != NO_SERVICE ? message.service : told.service;
+    // Digits that are dialled later come one by one; those of a call that may be connected are no number, but a PIN.
+    if (!message.from_destination && !call.connected && !call.began_before) {
         told.called.append(message.called);
     }
+}
+
+void note_channel(call_tracker& tracker, const call_key& key, const call_message& told) {
+    if (told.channel > 0 && told.channel < static_cast<int>(call_tracker::CHANNELS)) {
+        tracker.on_channel[static_cast<std::size_t>(told.channel)] = key;
+    }
+}
+
+/// A channel carries one call at a time: the last that was to have it, unless it went to another one. nullptr: none.
+call_record* call_on_channel(call_tracker& tracker, std::size_t channel) {
+    call_record* const call = tracker.calls.find(tracker.on_channel[channel]);
+    return call != nullptr && call->told.channel == static_cast<int>(channel) ? call : nullptr;
 }
 
 void begin_call(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier,
@@ -43,12 +58,13 @@ void begin_call(call_tracker& tracker, const journal& about, const frame& what, 
     call.told = message;
     call.told.cause = NO_CAUSE;
     if (call.began_before) {
-        call.told.called.clear();  // taken with the rest of the message
+        call.told.called.clear();
     }
     if (tracker.count++ == 0) {
         tracker.first = what.at;
     }
     tracker.calls.begin(key, *about.shared, call);
+    note_channel(tracker, key, call.told);
 }
 
 /// A call that is cleared for one of the terminals that it was offered to goes on for the others, and one that was
@@ -101,7 +117,8 @@ void take_message(call_tracker& tracker, const journal& about, const frame& what
     if (is_of_other_terminal(call, carrier)) {
         return;
     }
-    merge(call.told, message);
+    merge(call, message);
+    note_channel(tracker, key, message);
     if (message.type == MESSAGE_SUSPEND_ACKNOWLEDGE) {
         call.suspended = true;
         tracker.calls.finish(key);
@@ -132,7 +149,8 @@ void take_first_message(call_tracker& tracker, const journal& about, const frame
     if (!tells_of_call(tracker, key, message.type)) {
         return;
     }
-    if (const call_record* const before = tracker.calls.find(key)) {
+    if (call_record* const before = tracker.calls.find(key)) {
+        before->replaced = true;
         conclude_call(*before, about);
     }
     begin_call(tracker, about, what, carrier, key, message);
@@ -141,10 +159,67 @@ void take_first_message(call_tracker& tracker, const journal& about, const frame
     }
 }
 
+// --- RESTART
+
+/// Returns whether there was anything left to clear.
+bool restart_call(call_record& call, const journal& about, place at) {
+    const bool lasted = !call.cleared;
+    if (lasted) {
+        call.cleared = at;
+        call.restarted = true;
+    } else {
+        conclude_call(call, about);
+    }
+    return lasted;
+}
+
+/// Returns how many calls there were to clear.
+std::uint64_t restart_channel(call_tracker& tracker, const journal& about, place at, std::size_t channel) {
+    call_record* const call = call_on_channel(tracker, channel);
+    if (call == nullptr) {
+        return 0;
+    }
+    const bool lasted = restart_call(*call, about, at);
+    tracker.calls.finish(tracker.on_channel[channel]);
+    return lasted ? 1 : 0;
+}
+
+std::string channels_text(std::uint32_t channels) {
+    if (channels == ALL_CHANNELS) {
+        return "the line was";
+    }
+    text_buffer<16> text;
+    print_to<"B%d was">(text, std::countr_zero(channels));
+    return std::has_single_bit(channels) ? std::string(text.text()) : "channels were";
+}
+
+/// What a RESTART clears is over, and so it is at its acknowledgement, where the RESTART itself was not seen.
+void take_restart(call_tracker& tracker, const journal& about, const frame& what, const call_message& message) {
+    std::uint64_t broken_off = 0;
+    if (message.restarted == ALL_CHANNELS) {
+        tracker.calls.finish_each([&](call_record& call) { broken_off += restart_call(call, about, what.at) ? 1 : 0; });
+    } else {
+        for (std::uint32_t left = message.restarted; left != 0; left &= left - 1) {  // the lowest channel goes
+            broken_off += restart_channel(tracker, about, what.at, static_cast<std::size_t>(std::countr_zero(left)));
+        }
+    }
+    if (broken_off > 0) {
+        const bool by_router = what.sent == (message.type == MESSAGE_RESTART);
+        const char* const who = by_router ? " by the router" : " by the other side";
+        tell_trouble<"%s restarted%s (RESTART), which broke off %s">(about, what.at, channels_text(message.restarted),
+                                                                     about.has_sent ? who : "",
+                                                                     count_text(broken_off, "call"));
+    }
+}
+
 }  // namespace
 
 bool take_call_message(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier) {
     const call_message message = read_call_message(what.data);
+    if (message.restarted != 0 && !message.of_call) {
+        take_restart(tracker, about, what, message);
+        return true;
+    }
     if (!message.of_call) {
         return false;
     }
@@ -163,6 +238,18 @@ bool take_call_message(call_tracker& tracker, const journal& about, const frame&
         take_first_message(tracker, about, what, carrier, key, message);
     }
     return true;
+}
+
+void take_line_loss(call_tracker& tracker, const journal& about) {
+    std::uint64_t connected = 0;
+    for (std::size_t channel = 1; channel < call_tracker::CHANNELS; ++channel) {
+        const call_record* const call = call_on_channel(tracker, channel);
+        const bool stands = call != nullptr && call->connected && !call->cleared;
+        connected += stands && call->lost == about.lost ? 1 : 0;
+    }
+    if (connected > 0) {
+        tell_trouble<"layer 1 went down in the middle of %s">(about, about.now, count_text(connected, "call"));
+    }
 }
 
 void finish_calls(call_tracker& tracker, const journal& about) {

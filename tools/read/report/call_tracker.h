@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 
@@ -45,18 +47,26 @@ struct call_record {
     bool cleared_by_router = false;
     bool cleared_by_origin = false;
     bool suspended = false;
+    bool restarted = false;  // cleared by a RESTART
+    bool replaced = false;   // another call took its reference before its end was seen
 };
 
 /// The calls of one D-channel, or of the PABX.
 struct call_tracker {
+    static constexpr std::size_t CHANNELS = 32;
+
     remembered<call_key, call_record> calls;
-    place first;  // where the first of them began, remembered or not
+    std::array<call_key, CHANNELS> on_channel{};  // the last call that was to have it
+    place first;                                  // where the first of them began, remembered or not
     std::uint64_t count = 0;
     std::uint64_t connected = 0;
 };
 
 /// One signalling message, from its protocol discriminator on. False when it is no message of a call.
 bool take_call_message(call_tracker& tracker, const journal& about, const frame& what, const call_carrier& carrier);
+
+/// Layer 1 went down with the record at hand: tells of the calls in the middle of which it did.
+void take_line_loss(call_tracker& tracker, const journal& about);
 
 /// What can only be said at the end. Nothing may be taken behind it.
 void finish_calls(call_tracker& tracker, const journal& about);

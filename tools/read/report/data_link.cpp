@@ -132,6 +132,33 @@ void take_numbered(data_links& links, const journal& about, const frame& what, c
     }
 }
 
+void take_unnumbered(data_links& links, const journal& about, const frame& what, const link_identity& of, int control) {
+    switch (control & ~POLL_FINAL) {
+        case SABM:
+        case SABME:
+            take_set_up(links, about, what, of);
+            break;
+        case UA:
+            if (links.find(of.key()) != nullptr) {
+                link_that_is_up(links, about, what, of);
+            }
+            break;
+        case DM:
+            take_dm(links, about, what, of.key(), (control & POLL_FINAL) != 0);
+            break;
+        case DISC:
+            end_link(links, about, what, of.key());
+            break;
+        default:
+            break;
+    }
+}
+
+bool is_up(data_links& links, int key) {
+    const data_link* const link = links.find(key);
+    return link != nullptr && link->up;
+}
+
 // --- Rows
 
 void put_up(text_sink& out, const data_link& link) {
@@ -169,31 +196,15 @@ void put_link(text_sink& out, const data_link& link, const journal& about) {
 
 }  // namespace
 
-void take_link_control(data_links& links, const journal& about, const frame& what, const link_identity& of,
+bool take_link_control(data_links& links, const journal& about, const frame& what, const link_identity& of,
                        int control) {
     if ((control & 3) != 3) {
         take_numbered(links, about, what, of, control);
-        return;
+        return false;
     }
-    switch (control & ~POLL_FINAL) {
-        case SABM:
-        case SABME:
-            take_set_up(links, about, what, of);
-            break;
-        case UA:
-            if (links.find(of.key()) != nullptr) {
-                link_that_is_up(links, about, what, of);
-            }
-            break;
-        case DM:
-            take_dm(links, about, what, of.key(), (control & POLL_FINAL) != 0);
-            break;
-        case DISC:
-            end_link(links, about, what, of.key());
-            break;
-        default:
-            break;
-    }
+    const bool was_up = is_up(links, of.key());
+    take_unnumbered(links, about, what, of, control);
+    return was_up && !is_up(links, of.key());
 }
 
 void finish_data_links(data_links& links, const journal& about) {

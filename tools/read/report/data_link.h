@@ -47,8 +47,8 @@ inline constexpr std::uint32_t SET_UP_PAUSE_MS = 10'000;
 inline constexpr int MANY_TRIES = 3;
 
 /// The part of one frame in setting a link up and down, by its control octet. What is in its information field, and
-/// FRMR, is the caller's.
-void take_link_control(data_links& links, const journal& about, const frame& what, const link_identity& of,
+/// FRMR, is the caller's. Returns whether it took down a link that was up.
+bool take_link_control(data_links& links, const journal& about, const frame& what, const link_identity& of,
                        int control);
 
 /// What can only be said at the end. Nothing may be taken behind it.

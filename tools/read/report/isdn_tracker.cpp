@@ -16,16 +16,17 @@ bool is_from_user(octets frame) { return (frame[0] & 0x02) == 0; }
 
 }  // namespace
 
-void take_lapd(isdn_tracker& tracker, const journal& about, const frame& what) {
+bool take_lapd(isdn_tracker& tracker, const journal& about, const frame& what) {
     tracker.seen = true;
     const octets data = what.data;
-    take_link_frame(tracker.links, about, what);
+    const bool link_down = take_link_frame(tracker.links, about, what);
     if (lapd_sapi(data) != SAPI_CALL_CONTROL || !lapd_carries_layer3(data)) {
-        return;
+        return link_down;
     }
     const bool to_all = lapd_tei(data) == GROUP_TEI && !lapd_is_i_frame(data);
     const call_carrier carrier{static_cast<std::uint32_t>(lapd_tei(data)), 0, is_from_user(data), to_all};
     take_call_message(tracker.calls, about, what.with(data.skip(lapd_header_length(data))), carrier);
+    return link_down;
 }
 
 bool take_pabx(isdn_tracker& tracker, const journal& about, const frame& what) {

@@ -15,8 +15,8 @@ struct isdn_tracker {
     bool seen = false;
 };
 
-/// One LAPD frame.
-void take_lapd(isdn_tracker& tracker, const journal& about, const frame& what);
+/// One LAPD frame. Returns whether it took down a link that was up.
+bool take_lapd(isdn_tracker& tracker, const journal& about, const frame& what);
 
 /// One PABX record, from its six octets of its own on. False when it is no message of a call.
 bool take_pabx(isdn_tracker& tracker, const journal& about, const frame& what);

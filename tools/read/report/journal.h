@@ -81,9 +81,12 @@ private:
     std::uint64_t only_counted_ = 0;  // of any words
 };
 
-/// How many entries all trackers together may remember beside the bound of each.
+/// How many entries the trackers may remember.
 struct allowance {
-    std::size_t left = std::size_t{1} << 15;
+    static constexpr std::size_t MOST_OF_EACH = 4096;
+
+    std::size_t left = std::size_t{1} << 15;  // all of them together
+    std::size_t of_each = MOST_OF_EACH;       // each of them, of each kind
 };
 
 /// What a tracker is told about its interface beside the frames, and where it says what went wrong.

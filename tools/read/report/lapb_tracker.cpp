@@ -29,11 +29,6 @@ bool is_station(int address) {
 
 std::size_t direction_of(octets frame) { return frame[0] == STATION_A || frame[0] == STATION_C ? 1 : 0; }
 
-bool is_up(lapb_tracker& tracker) {
-    const data_link* const link = tracker.links.find(link_identity().key());
-    return link != nullptr && link->up;
-}
-
 void begin_numbering(lapb_tracker& tracker, const journal& about) {
     tracker.directions.fill({.known = true, .expected = 0, .acknowledged = 0, .lost = about.lost});
 }
@@ -94,10 +89,8 @@ lapb_news take_lapb_link(lapb_tracker& tracker, const journal& about, const fram
     }
     const link_header header = read_link_header(what.data, tracker.modulo128);
     const int type = header.control & ~POLL_FINAL;
-    const bool was_up = is_up(tracker);
     const link_identity identity{.set_up_by = type == SABME ? "SABME" : "SABM"};
-    take_link_control(tracker.links, about, what, identity, header.control);
-    news.link_down = was_up && !is_up(tracker);
+    news.link_down = take_link_control(tracker.links, about, what, identity, header.control);
     if ((header.control & 1) == 0) {
         news.packet = take_information(tracker, about, what.data, header);
     } else if (type == FRMR) {

@@ -215,8 +215,13 @@ bool take_atm(interface_report& to, const frame& what, const record_header& head
 constexpr int SAPI_X25 = 16;
 
 bool take_dchannel(interface_report& to, const frame& what, const record_header& /*header*/) {
-    take_lapd(to.isdn, to.about, what);
-    if (lapd_sapi(what.data) == SAPI_X25 && lapd_is_i_frame(what.data)) {
+    const bool link_down = take_lapd(to.isdn, to.about, what);
+    if (lapd_sapi(what.data) != SAPI_X25) {
+        return true;
+    }
+    if (link_down) {
+        take_x25_link_down(to.x25, to.about, what, lapd_tei(what.data));
+    } else if (lapd_is_i_frame(what.data)) {
         take_x25(to.x25, to.about, what.with(what.data.skip(lapd_header_length(what.data))), lapd_tei(what.data));
     }
     return true;

@@ -84,7 +84,9 @@ void tell_was_down(const line_change& change, const journal& about) {
 /// Of a line that is down at the end; where the trace began with that only if it lasts.
 void tell_is_down(const line_change& change, const journal& about) {
     const std::uint32_t lasted = elapsed(change.first, about.now);
-    if (change.what == kind::DOWN && (change.was_up || lasted >= LONG_DOWN_MS)) {
+    if (change.what == kind::DOWN && change.was_up && lasted == 0) {
+        tell_trouble<"the line went down, with which the records end">(about, change.first);
+    } else if (change.what == kind::DOWN && (change.was_up || lasted >= LONG_DOWN_MS)) {
         tell_trouble<"the line %s, and is not up again %s later">(
             about, change.first, change.was_up ? "went down" : "is down", duration_text(lasted));
     }

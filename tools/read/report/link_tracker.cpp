@@ -126,7 +126,7 @@ void print_tei(section& rows, const tei_event& event) {
 
 }  // namespace
 
-void take_link_frame(link_tracker& tracker, const journal& about, const frame& what) {
+bool take_link_frame(link_tracker& tracker, const journal& about, const frame& what) {
     const octets data = what.data;
     const int control = data[2];
     if (lapd_tei(data) == GROUP_TEI) {
@@ -135,12 +135,16 @@ void take_link_frame(link_tracker& tracker, const journal& about, const frame& w
         if (management && message[0] == PD_MANAGEMENT && message.length > 4) {
             take_management(tracker, about, what, message.skip(1));
         }
-        return;
+        return false;
     }
-    take_link_control(tracker.links, about, what, {lapd_sapi(data), lapd_tei(data), "SABME"}, control);
+    const bool link_down =
+        take_link_control(tracker.links, about, what, {lapd_sapi(data), lapd_tei(data), "SABME"}, control);
     if ((control & ~LAPD_POLL_FINAL) == FRMR) {
-        tell_trouble<"a frame was not understood on TEI %d (FRMR)">(about, what.at, lapd_tei(data));
+        const char* const who = what.sent ? "the router" : "the other side";
+        tell_trouble<"%s did not understand a frame on TEI %d (FRMR)">(
+            about, what.at, about.has_sent ? who : "a station", lapd_tei(data));
     }
+    return link_down;
 }
 
 void finish_links(link_tracker& tracker, const journal& about) {

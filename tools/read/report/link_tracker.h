@@ -30,8 +30,9 @@ struct link_tracker {
     bool tei_waits = false;  // the last event is a request without an answer
 };
 
-/// One LAPD frame that no call is in: its part in setting links up and down, and TEI management.
-void take_link_frame(link_tracker& tracker, const journal& about, const frame& what);
+/// One LAPD frame that no call is in: its part in setting links up and down, and TEI management. Returns whether it
+/// took down a link that was up.
+bool take_link_frame(link_tracker& tracker, const journal& about, const frame& what);
 
 /// What can only be said at the end. Nothing may be taken behind it.
 void finish_links(link_tracker& tracker, const journal& about);

@@ -1,6 +1,7 @@
 #include "read/report/ppp_login.h"
 
 #include <string>
+#include <string_view>
 
 #include "ppp/protocol_names.h"
 #include "read/report/page.h"
@@ -40,12 +41,23 @@ octets counted_text(octets from) {
     return from[0] <= text.within() ? text.cut(from[0]) : octets{};
 }
 
-/// The name in a PAP request. Where what stands behind it is no password of the length that it tells, the name may be
-/// one that reaches into the password: then there is none.
-octets name_in_request(octets request) {
+/// The name and the password in a PAP request. Where what stands behind the name is no password of the length that it
+/// tells, the name may be one that reaches into the password: then there is neither.
+void take_credentials(ppp_login& login, octets request) {
     const octets name = counted_text(request);
     const octets password = request.skip(1 + name.within());
-    return password[0] < password.within() ? name : octets{};
+    const bool whole = password[0] < password.within();
+    login.name.assign(whole ? name : octets{});
+    login.password.assign(whole ? counted_text(password) : octets{});
+}
+
+/// What the other end says of a login that it refuses; nothing where it repeats the password.
+octets without_password(octets message, const ppp_login& login) {
+    const octets password = login.password.view();
+    const std::string_view said = message.text(0, message.within());
+    const bool repeats =
+        !login.password.empty() && said.find(password.text(0, password.within())) != std::string_view::npos;
+    return repeats ? octets{} : message;
 }
 
 /// What the login waits for, for the first time or once more.
@@ -71,7 +83,8 @@ void end_login(ppp_login& login, const link_ends& ends, const journal& about, pl
     login.reached = reached;
     login.accepted = reached == stage::ACCEPTED;
     login.tries = 0;
-    login.message.assign(reached == stage::REFUSED ? message : octets{});
+    login.message.assign(reached == stage::REFUSED ? without_password(message, login) : octets{});
+    login.password.clear();
     if (reached != stage::REFUSED || !about.troubles->wants_words()) {
         return;
     }
@@ -98,7 +111,7 @@ void take_login(ppp_logins& logins, const link_ends& ends, const journal& about,
     const bool pap = protocol == PROTOCOL_PAP;
     if (pap && packet.code == PAP_REQUEST) {
         wait_for_answer(own, about, what.at, protocol, stage::ANSWERED);
-        own.name.assign(name_in_request(packet.data));
+        take_credentials(own, packet.data);
     } else if (!pap && packet.code == CHAP_CHALLENGE) {
         wait_for_answer(other, about, what.at, protocol, stage::CHALLENGED);
     } else if (!pap && packet.code == CHAP_RESPONSE) {

@@ -14,7 +14,7 @@ namespace ifwatch::reporting {
 inline constexpr int PROTOCOL_PAP = 0xC023;
 inline constexpr int PROTOCOL_CHAP = 0xC223;
 
-/// How one end of a link logs in at the other: PAP (RFC 1334) or CHAP (RFC 1994). Of a password nothing is kept.
+/// How one end of a link logs in at the other: PAP (RFC 1334) or CHAP (RFC 1994).
 struct ppp_login {
     enum class stage : std::uint8_t { NONE, CHALLENGED, ANSWERED, ACCEPTED, REFUSED };
 
@@ -28,6 +28,7 @@ struct ppp_login {
     // One octet more than a page shows of them: it tells that they go on.
     kept_octets<41> name;
     kept_octets<41> message;
+    kept_octets<40> password;  // until its answer, which may repeat it; never on a page
 };
 
 /// The logins of a link, each under the end that logs in.

@@ -132,20 +132,23 @@ void tell_refused(const negotiation& of, const link_ends& ends, const journal& a
     const char* const other = ends.name(1 - end);
     const std::string name = protocol_text(protocol);
     const std::string refused = options_text(asks.refused.view(), protocol);
+    const std::string times = count_text(static_cast<std::uint64_t>(asks.refusals), "time");
     const std::string took = duration_text(elapsed(asks.first, asks.last));
+    const char* const within = asks.refusals > 1 ? " in " : "";
     const std::string insists = asked_text(asks, protocol);
     if (asks.refused_with == CONFIGURE_REJECT || insists.empty()) {
-        tell_trouble<"%s does not come up: refused %d times in %s, %s %s %s">(
-            about, asks.first, name, asks.refusals, took, other,
+        tell_trouble<"%s does not come up: refused %s%s%s, %s %s %s">(
+            about, asks.first, name, times, within, asks.refusals > 1 ? took : "", other,
             asks.refused_with == CONFIGURE_REJECT ? "rejects" : "wants", refused);
     } else {
-        tell_trouble<"%s does not come up: refused %d times in %s, %s wants %s, not %s">(
-            about, asks.first, name, asks.refusals, took, other, refused, insists);
+        tell_trouble<"%s does not come up: refused %s%s%s, %s wants %s, not %s">(
+            about, asks.first, name, times, within, asks.refusals > 1 ? took : "", other, refused, insists);
     }
 }
 
-/// Of what one end asks for.
-bool tell_end_not_agreed(const negotiation& of, const link_ends& ends, const journal& about, int protocol, int end) {
+/// Of what one end asks for. Where the link was ended, one refusal is enough that it did not ask again behind.
+bool tell_end_not_agreed(const negotiation& of, const link_ends& ends, const journal& about, int protocol, bool ended,
+                         int end) {
     const negotiation_end& asks = of.ends[static_cast<std::size_t>(end)];
     if (asks.acked) {
         return false;
@@ -154,7 +157,8 @@ bool tell_end_not_agreed(const negotiation& of, const link_ends& ends, const jou
         tell_unanswered(of, ends, about, protocol, end);
         return true;
     }
-    if (asks.alike >= MANY_ALIKE || asks.refusals >= MANY_REFUSALS) {
+    const bool given_up = ended && asks.refusals > 0 && asks.unanswered == 0;
+    if (given_up || asks.alike >= MANY_ALIKE || asks.refusals >= MANY_REFUSALS) {
         tell_refused(of, ends, about, protocol, end);
         return true;
     }
@@ -222,7 +226,7 @@ void take_configure(negotiation& of, const link_ends& ends, const frame& what, i
     }
 }
 
-bool tell_not_agreed(const negotiation& of, const link_ends& ends, const journal& about, int protocol) {
+bool tell_not_agreed(const negotiation& of, const link_ends& ends, const journal& about, int protocol, bool ended) {
     if (of.up || !of.began) {
         return false;
     }
@@ -234,8 +238,8 @@ bool tell_not_agreed(const negotiation& of, const link_ends& ends, const journal
     const bool second_was_first =
         of.ends[1].requests > 0 && (of.ends[0].requests == 0 || of.ends[1].first < of.ends[0].first);
     const int first = second_was_first ? 1 : 0;
-    return tell_end_not_agreed(of, ends, about, protocol, first) ||
-           tell_end_not_agreed(of, ends, about, protocol, 1 - first);
+    return tell_end_not_agreed(of, ends, about, protocol, ended, first) ||
+           tell_end_not_agreed(of, ends, about, protocol, ended, 1 - first);
 }
 
 }  // namespace ifwatch::reporting

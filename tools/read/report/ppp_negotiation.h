@@ -63,8 +63,8 @@ void take_configure(negotiation& of, const link_ends& ends, const frame& what, i
 [[nodiscard]] int asking_end(const negotiation& of, const link_ends& ends, int answering_end);
 
 /// How to tell that a negotiation has come to nothing. False when there is nothing to tell: it has succeeded, or has
-/// not been tried long enough.
-bool tell_not_agreed(const negotiation& of, const link_ends& ends, const journal& about, int protocol);
+/// neither been tried long enough nor was given up as the link was ended.
+bool tell_not_agreed(const negotiation& of, const link_ends& ends, const journal& about, int protocol, bool ended);
 
 /// The first option of this type, from its data on; an empty view: there is none.
 [[nodiscard]] octets find_ppp_option(octets options, int type);

@@ -83,9 +83,10 @@ void conclude_link(ppp_link& link, const journal& about) {
     if (link.lost != about.lost) {
         return;
     }
-    const bool not_agreed = (!link.began_before && tell_not_agreed(link.lcp, link.ends, about, PROTOCOL_LCP)) ||
+    const bool ended = link.ended.has_value();
+    const bool not_agreed = (!link.began_before && tell_not_agreed(link.lcp, link.ends, about, PROTOCOL_LCP, ended)) ||
                             tell_unanswered_logins(link.logins, link.ends, about) ||
-                            tell_not_agreed(link.ipcp, link.ends, about, PROTOCOL_IPCP);
+                            tell_not_agreed(link.ipcp, link.ends, about, PROTOCOL_IPCP, ended && !link.carried);
     if (!not_agreed) {
         tell_ended_early(link, about);
     }

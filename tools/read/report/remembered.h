@@ -18,8 +18,9 @@ namespace ifwatch::reporting {
 [[nodiscard]] std::uint64_t hash_factor();
 
 /// What a tracker remembers of its interface: calls, sessions or pairs, found by a key while they last. There are never
-/// more than MOST of them, nor than all trackers together may have: the oldest that is over makes room, or the oldest,
-/// and is only counted from then on.
+/// more of them than an allowance grants: the oldest that is over makes room, or else the oldest, and is only counted
+/// from then on. Of entries with a count `times` it is the one that happened least of the FEW oldest: those that
+/// happened most stay.
 ///
 /// A key is a number, or a structure without padding that can be compared; an entry has a member `first`, the place
 /// where it began. References to entries stay until that entry is given up.
@@ -28,8 +29,6 @@ class remembered {
     static_assert(std::has_unique_object_representations_v<Key>, "the octets of a key are hashed");
 
 public:
-    static constexpr std::size_t MOST = 4096;
-
     /// The entry that lasts under this key; nullptr: none.
     [[nodiscard]] Entry* find(const Key& key) {
         const int at = index_of(key);
@@ -84,6 +83,16 @@ public:
         }
     }
 
+    /// Calls `visit` with each entry that still lasts, in that order, and all of them are over.
+    template <class Visit>
+    void finish_each(Visit visit) {
+        while (open_.first != NONE) {
+            item& one = item_at(open_.first);
+            visit(one.entry);
+            finish(one.key);
+        }
+    }
+
     [[nodiscard]] std::size_t size() const { return items_.size(); }
     [[nodiscard]] bool empty() const { return items_.empty(); }
 
@@ -110,7 +119,7 @@ private:
     [[nodiscard]] const item& item_at(int at) const { return items_[static_cast<std::size_t>(at)]; }
 
     int take_slot(allowance& shared) {
-        const bool full = size() >= MOST || (shared.left == 0 && size() > 0);
+        const bool full = size() >= shared.of_each || (shared.left == 0 && size() > 0);
         if (!full) {
             shared.left -= shared.left > 0 ? 1 : 0;
             items_.emplace_back();
@@ -118,12 +127,24 @@ private:
         }
         ++forgotten_;
         const bool one_is_over = over_.first != NONE;
-        const int at = one_is_over ? over_.first : open_.first;
+        const int at = one_is_over ? over_.first : least_of_oldest();
         if (!one_is_over) {
             remove_from_index(at);
         }
         unlink(one_is_over ? over_ : open_, at);
         return at;
+    }
+
+    /// Of those that last.
+    [[nodiscard]] int least_of_oldest() const {
+        int least = open_.first;
+        if constexpr (requires(const Entry& one) { one.times; }) {
+            int at = least;
+            for (std::size_t looked_at = 0; looked_at < FEW && at != NONE; ++looked_at, at = item_at(at).next) {
+                least = item_at(at).entry.times < item_at(least).entry.times ? at : least;
+            }
+        }
+        return least;
     }
 
     void append(item_list& list, int at) {

@@ -82,7 +82,10 @@ void print_protocol(const protocol& about, const std::deque<interface_report>& i
 
 }  // namespace
 
-report_run::report_run() { static_cast<void>(hash_factor()); }
+report_run::report_run(std::size_t most_of_each) {
+    shared_.of_each = most_of_each;
+    static_cast<void>(hash_factor());
+}
 
 std::size_t report_run::begin_interface(std::string_view name, int channel_type, std::uint32_t mode_flags,
                                         std::string_view router) {
@@ -120,7 +123,11 @@ void report_run::take(std::size_t interface_number, const display_context& conte
     to.about.lost = to.seen.lost;
     const std::uint32_t event = header.channel_info & 0xFF;
     if (event != 0 && to.channel_type != CHANNEL_OLD_ATM) {
+        const bool was_up = to.line.up;
         take_line_event(to.line, to.about, event, header.record_flags);
+        if (was_up && !to.line.up) {
+            take_line_loss(to.isdn.calls, to.about);
+        }
         return;
     }
     const frame what{.at = at,
@@ -131,6 +138,17 @@ void report_run::take(std::size_t interface_number, const display_context& conte
     take_line_data(to.line);
     const bool known = context.payload.length > 0 && take_layers(to, what, header);
     count_frame(to.seen, what.sent, context.original_length, known);
+}
+
+std::size_t report_run::most_remembered() const {
+    std::size_t most = 0;
+    for (const interface_report& of : interfaces_) {
+        most = std::max({most, of.isdn.links.links.size(), of.isdn.calls.calls.size(), of.ppp.links.size(),
+                         of.pppoe.searches.size(), of.x25.lapb.links.size(), of.x25.calls.size(),
+                         of.x25.restarts.size(), of.fax.sessions.size(), of.eft.requests.size(), of.lan.arps.size(),
+                         of.lan.connections.size(), of.lan.askers.size(), of.lan.failures.size()});
+    }
+    return most;
 }
 
 bool report_run::print_head() const {
@@ -159,15 +177,15 @@ void report_run::print_trouble() const {
         troubles_.print_lines();
         return;
     }
-    ifwatch::print<"  None. Looked at: ">();
-    const char* between = "";
+    std::string looked_at;
     for (const protocol& about : PROTOCOLS) {
         if (std::ranges::any_of(interfaces_, about.was_seen)) {
-            ifwatch::print<"%s%s">(between, about.looked_at);
-            between = ", ";
+            looked_at.append(looked_at.empty() ? "" : ", ").append(about.looked_at);
         }
     }
-    ifwatch::print<"%s.\n">(*between == '\0' ? "nothing that this report knows" : "");
+    looked_at = looked_at.empty() ? "nothing that this report knows" : looked_at;
+    ifwatch::print<"  ">();
+    print_broken("None. Looked at: " + looked_at + ".", 2, 6);
 }
 
 void report_run::print() {

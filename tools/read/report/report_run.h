@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <string_view>
@@ -21,8 +22,9 @@ class report_run {
 public:
     static constexpr std::size_t MOST_INTERFACES = 256;
 
-    /// Asks the system for what it needs of it, so that it may be confined afterwards.
-    report_run();
+    /// Asks the system for what it needs of it, so that it may be confined afterwards. A tracker remembers
+    /// `most_of_each` calls, sessions or pairs of an interface, at least one.
+    explicit report_run(std::size_t most_of_each = allowance::MOST_OF_EACH);
 
     /// An interface that records come from: its name, which may be empty, its type, and the mode flags that its
     /// decoders would have, which tell what a B-channel carries. With `router`, as whoever wrote the capture has noted
@@ -33,6 +35,9 @@ public:
 
     /// Takes the current record of the context.
     void take(std::size_t interface_number, const display_context& context);
+
+    /// How many calls, sessions or pairs that tracker remembers which remembers most.
+    [[nodiscard]] std::size_t most_remembered() const;
 
     /// Prints the page to the standard output. Nothing may be taken behind it.
     void print();

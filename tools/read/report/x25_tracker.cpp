@@ -275,19 +275,6 @@ void take_restart(x25_tracker& tracker, const journal& about, const frame& what,
     tracker.restarts.begin(link, *about.shared, restart);
 }
 
-void take_link_down(x25_tracker& tracker, const journal& about, const frame& what) {
-    if (x25_restart* const waiting = tracker.restarts.find(LAPB_LINK)) {
-        tell_no_confirmation(*waiting, about);
-        tracker.restarts.finish(LAPB_LINK);
-    }
-    const std::uint64_t ended = end_calls(tracker, about, what.at, LAPB_LINK, ending::LINK_DOWN);
-    if (ended > 0 && state_of(tracker, LAPB_LINK).is_x25) {
-        const char* const who = what.sent ? "the router" : "the other side";
-        tell_trouble<"the data link was taken down%s%s: %s broken off">(
-            about, what.at, about.has_sent ? " by " : "", about.has_sent ? who : "", count_text(ended, "X.25 call"));
-    }
-}
-
 // --- Packets
 
 void tell_diagnostic(const journal& about, const frame& what) {
@@ -355,7 +342,7 @@ octets take_lapb(x25_tracker& tracker, const journal& about, const frame& what) 
     tracker.seen = true;
     const lapb_news news = take_lapb_link(tracker.lapb, about, what);
     if (news.link_down) {
-        take_link_down(tracker, about, what);
+        take_x25_link_down(tracker, about, what, LAPB_LINK);
     }
     if (news.packet.within() < 3) {
         return what.data.cut(0);
@@ -382,6 +369,19 @@ octets take_x25(x25_tracker& tracker, const journal& about, const frame& what, i
         take_control(tracker, about, what, key, header);
     }
     return none;
+}
+
+void take_x25_link_down(x25_tracker& tracker, const journal& about, const frame& what, int link) {
+    if (x25_restart* const waiting = tracker.restarts.find(link)) {
+        tell_no_confirmation(*waiting, about);
+        tracker.restarts.finish(link);
+    }
+    const std::uint64_t ended = end_calls(tracker, about, what.at, link, ending::LINK_DOWN);
+    if (ended > 0 && state_of(tracker, link).is_x25) {
+        const char* const who = what.sent ? "the router" : "the other side";
+        tell_trouble<"the data link was taken down%s%s: %s broken off">(
+            about, what.at, about.has_sent ? " by " : "", about.has_sent ? who : "", count_text(ended, "X.25 call"));
+    }
 }
 
 void finish_x25(x25_tracker& tracker, const journal& about) {

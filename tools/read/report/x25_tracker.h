@@ -63,6 +63,9 @@ struct x25_tracker {
 /// Returns the user data as take_lapb() does.
 octets take_x25(x25_tracker& tracker, const journal& about, const frame& what, int link);
 
+/// The data link with this number went down with this frame: its calls are over.
+void take_x25_link_down(x25_tracker& tracker, const journal& about, const frame& what, int link);
+
 /// What can only be said at the end. Nothing may be taken behind it.
 void finish_x25(x25_tracker& tracker, const journal& about);
 
