@@ -122,7 +122,8 @@ void take_tcp(lan_tracker& tracker, const journal& about, const frame& what, con
     const int from = segment.be16(0);
     const int to = segment.be16(2);
     if ((flags & (TCP_SYN | TCP_ACK | TCP_RST)) == TCP_SYN) {
-        const lan_question& asked = ask(tracker.connections, about, what.at, {hosts.from, hosts.to, ports(from, to)});
+        const host_pair connection{hosts.from, hosts.to, ports(from, to)};
+        const lan_question& asked = ask(tracker.connections, about, what.at, connection);
         tracker.syns += asked.times == 1 ? 1 : 0;
     }
     // Whatever comes back is an answer, a SYN of the other side, too.
