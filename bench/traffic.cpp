@@ -244,8 +244,8 @@ frame services(std::size_t length) {
 void append(traffic& block, const frame& data) {
     block.starts.push_back(block.octets.size());
     const auto flags = static_cast<std::uint32_t>(block.starts.size() % 2);  // sent and received in turn
-    cases::append_record(block.octets,
-                       {.flags = flags, .original_length = static_cast<std::uint16_t>(data.size()), .data = data}, -1);
+    cases::append_record(
+        block.octets, {.flags = flags, .original_length = static_cast<std::uint16_t>(data.size()), .data = data}, -1);
 }
 
 bool read_case(std::string_view path, traffic& found, std::string& error) {

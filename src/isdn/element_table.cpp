@@ -4,9 +4,9 @@
 
 namespace ifwatch {
 
-void dump_by_table(std::span<const element_type> types, table_text unknown, int variant, octets element) {
+void dump_by_table(std::span<const element_kind> types, table_text unknown, int variant, octets element) {
     const std::uint8_t identifier = element[0];
-    for (const element_type& type : types) {
+    for (const element_kind& type : types) {
         if (type.identifier != identifier) {
             continue;
         }

@@ -8,7 +8,7 @@
 namespace ifwatch {
 
 /// One kind of information element: what its line begins with and who prints its contents, if anybody does.
-struct element_type {
+struct element_kind {
     int identifier = 0;
     table_text label;
     void (*contents)(octets element) = nullptr;
@@ -16,7 +16,7 @@ struct element_type {
 };
 
 /// Prints the label and the contents of `element` by its row of `types`, or `unknown`, which takes the identifier.
-void dump_by_table(std::span<const element_type> types, table_text unknown, int variant, octets element);
+void dump_by_table(std::span<const element_kind> types, table_text unknown, int variant, octets element);
 
 /// Prints the text that a value has in `table`, or `otherwise`; either may show the value.
 void print_value(std::span<const named_value> table, int value, table_text otherwise);

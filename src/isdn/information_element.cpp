@@ -125,7 +125,7 @@ constexpr named_value RESTART_CLASSES[] = {
 
 void dump_restart_indicator(octets element) { print_value(RESTART_CLASSES, element[2] & 7, "0x%x (reserved)"); }
 
-constexpr element_type ELEMENTS[] = {
+constexpr element_kind ELEMENTS[] = {
     {0x00, "Segmented message , ", dump_segmented_message},
     {0x04, "Bearer capability ", dump_bearer_capability},
     {0x08, "Cause is ", nullptr, dump_cause},

@@ -8,15 +8,14 @@ namespace ifwatch {
 namespace {
 
 constexpr named_value SUPERVISORY_FRAMES[] = {
-    {0x01, "RR   "},
-    {0x05, "RNR  "},
-    {0x09, "REJ  "},
+    {RR, "RR   "},
+    {RNR, "RNR  "},
+    {REJ, "REJ  "},
 };
 
 // By the control octet without its P/F bit.
 constexpr named_value UNNUMBERED_FRAMES[] = {
-    {0x03, "UI   "}, {0x0F, "DM   "}, {0x43, "DISC "}, {0x63, "UA   "},
-    {0x6F, "SABME"}, {0x87, "FRMR "}, {0xAF, "XID  "},
+    {UI, "UI   "}, {DM, "DM   "}, {DISC, "DISC "}, {UA, "UA   "}, {SABME, "SABME"}, {FRMR, "FRMR "}, {XID, "XID  "},
 };
 
 void dump_control(octets frame) {
@@ -28,8 +27,8 @@ void dump_control(octets frame) {
     } else if (const table_text supervisory = value_name(SUPERVISORY_FRAMES, control)) {
         print<"%s P/F=%d">(supervisory, poll_final);
         print<" N(R)=%02X">(nr);
-    } else if (const table_text unnumbered = value_name(UNNUMBERED_FRAMES, control & ~LAPD_POLL_FINAL)) {
-        print<"%s P/F=%d">(unnumbered, (control & LAPD_POLL_FINAL) != 0 ? 1 : 0);
+    } else if (const table_text unnumbered = value_name(UNNUMBERED_FRAMES, control & ~POLL_FINAL)) {
+        print<"%s P/F=%d">(unnumbered, (control & POLL_FINAL) != 0 ? 1 : 0);
     } else {
         print<"\n!!!\tIllegal D-Channel Message (Layer 2 - Controlword : 0x%x)\n">(control);
     }

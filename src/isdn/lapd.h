@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/octets.h"
+#include "x25/control_octets.h"
 
 namespace ifwatch {
 
@@ -17,14 +18,12 @@ namespace ifwatch {
 [[nodiscard]] constexpr int lapd_sapi(octets frame) { return frame[0] >> 2; }
 [[nodiscard]] constexpr int lapd_tei(octets frame) { return frame[1] >> 1; }
 
-inline constexpr int LAPD_POLL_FINAL = 0x10;  // of an unnumbered frame's control octet
-
 /// An I frame, the only numbered frame that carries layer 3.
 [[nodiscard]] constexpr bool lapd_is_i_frame(octets frame) { return (frame[2] & 1) == 0; }
 
 /// An I or UI frame: one that carries layer 3.
 [[nodiscard]] constexpr bool lapd_carries_layer3(octets frame) {
-    return lapd_is_i_frame(frame) || (frame[2] & ~LAPD_POLL_FINAL) == 0x03;
+    return lapd_is_i_frame(frame) || (frame[2] & ~POLL_FINAL) == UI;
 }
 
 /// Prints the layer-2 line: SAPI, C/R, TEI, the frame's name and its sequence numbers (modulo 128). An unknown

@@ -37,7 +37,7 @@ void dump_endpoint_identifier(octets element) {
     print<"\n\t\t\t      Terminal identifier     : %d">(element[3] & 0x7F);
 }
 
-constexpr element_type ELEMENTS[] = {
+constexpr element_kind ELEMENTS[] = {
     {0x01, "Service Indicator      : ", dump_service_indicator},
     {0x02, "Charging Information   : ", characters_from<3>},
     {0x03, "Date                   : ", characters_from<2>},

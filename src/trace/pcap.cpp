@@ -38,7 +38,7 @@ static_assert(sizeof(pcap_record_header) == 16);
 
 /// Writes all of `length` octets, going on behind a write that took fewer. Returns the length; when going on fails,
 /// what the first write returned, with errno of the last one.
-long write_all(int fd, const void* data, long length) {
+long write_counted(int fd, const void* data, long length) {
     const char* const octets_begin = static_cast<const char*>(data);
     long first = 0;
     long done = 0;
@@ -56,7 +56,7 @@ long write_all(int fd, const void* data, long length) {
 
 /// Writes `length` octets, or tells that it could not and closes the sink.
 bool write_or_close(int fd, const void* data, long length, const char* what, const char* prefix) {
-    const long written = write_all(fd, data, length);
+    const long written = write_counted(fd, data, length);
     if (written == length) {
         return true;
     }

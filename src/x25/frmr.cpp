@@ -4,17 +4,22 @@
 
 #include "base/names.h"
 #include "base/print.h"
+#include "x25/control_octets.h"
 
 namespace ifwatch {
 
 namespace {
 
-constexpr int POLL_FINAL = 0x10;
-
 // S frames by their function bits, U frames with the P/F bit set.
 constexpr named_value REJECTED_FRAMES[] = {
-    {0x7F, "SABME "}, {0x53, "DISC  "}, {0x73, "UA    "}, {0x1F, "DM    "},
-    {0x97, "FRMR  "}, {0x00, "RR    "}, {0x04, "RNR   "}, {0x08, "REJ   "},
+    {SABME | POLL_FINAL, "SABME "},
+    {DISC | POLL_FINAL, "DISC  "},
+    {UA | POLL_FINAL, "UA    "},
+    {DM | POLL_FINAL, "DM    "},
+    {FRMR | POLL_FINAL, "FRMR  "},
+    {0x00, "RR    "},
+    {0x04, "RNR   "},
+    {0x08, "REJ   "},
 };
 
 constexpr table_text UNKNOWN_FRAME = "0x%.2x  ";

@@ -5,6 +5,7 @@
 #include "base/names.h"
 #include "base/print.h"
 #include "display/display_context.h"
+#include "x25/control_octets.h"
 #include "x25/frmr.h"
 #include "x25/xid.h"
 
@@ -12,27 +13,18 @@ namespace ifwatch {
 
 namespace {
 
-constexpr int POLL_FINAL = 0x10;  // of an unnumbered frame's control octet
 constexpr int HEADER_LENGTH = 2;
-
-constexpr int UI = 0x03;
-constexpr int SABM = 0x2F;
-constexpr int DISC = 0x43;
-constexpr int SABME = 0x6F;
-constexpr int FRMR = 0x87;
-constexpr int XID = 0xAF;
 
 // By the control octet without its P/F bit.
 constexpr named_value UNNUMBERED_FRAMES[] = {
-    {0x0F, "DM   "},  {SABM, "SABM "}, {DISC, "DISC "}, {0x63, "UA   "},
-    {SABME, "SABME"}, {FRMR, "FRMR "}, {XID, "XID  "},
+    {DM, "DM   "}, {SABM, "SABM "}, {DISC, "DISC "}, {UA, "UA   "}, {SABME, "SABME"}, {FRMR, "FRMR "}, {XID, "XID  "},
 };
 
 // By the low four bits of the control octet.
 constexpr named_value SUPERVISORY_FRAMES[] = {
-    {0x01, "RR   "},
-    {0x05, "RNR  "},
-    {0x09, "REJ  "},
+    {RR, "RR   "},
+    {RNR, "RNR  "},
+    {REJ, "REJ  "},
 };
 
 /// The address with the sign of its octets kept; its low 11 bits are printed.

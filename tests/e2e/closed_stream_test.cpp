@@ -11,6 +11,7 @@
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/scripted_daemon.h"
+#include "support/session_script.h"
 #include "support/temp_directory.h"
 #include "support/trace_records.h"
 
@@ -22,8 +23,6 @@ using testing::EndsWith;
 using testing::HasSubstr;
 
 using octet_list = std::vector<std::uint8_t>;
-
-constexpr std::size_t AUTH_REPLY_OCTETS = 13;
 
 /// Runs ifwatch for interface 1000 with the redirections of a shell, such as "<&-".
 outcome trace_with(const std::string& redirections, const scripted_daemon& daemon, std::vector<std::string> options) {
@@ -101,13 +100,7 @@ TEST_F(closed_stream, a_file_needs_none_of_them) {
 
 TEST(closed_input, gives_an_empty_password) {
     octet_list reply;
-    const scripted_daemon daemon([&reply](const tcp_peer& client) {
-        client.receive(TRACE_REQUEST_OCTETS);
-        client.send_element(2, {3});
-        client.send_element(10, {0, 0, 0, 0, 0, 0, 0, 0, 0});
-        reply = client.receive(AUTH_REPLY_OCTETS);
-        client.send_element(0);
-    });
+    const scripted_daemon daemon(logging_in_to(reply, {0, 0, 0, 0, 0, 0, 0, 0, 0}));
     const outcome got = trace_with("<&-", daemon, {});
     EXPECT_EQ(got.status, 0);
     EXPECT_THAT(got.errors, HasSubstr("Enter remote password: "));

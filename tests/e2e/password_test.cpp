@@ -15,13 +15,7 @@ namespace {
 
 TEST(password, is_asked_for_and_cut_at_31_characters) {
     std::vector<std::uint8_t> reply;
-    const scripted_daemon daemon([&reply](const tcp_peer& client) {
-        client.receive(TRACE_REQUEST_OCTETS);
-        client.send_element(2, {3});
-        client.send_element(10, {1, 0, 0, 0, 0, 0, 0, 0, 0});
-        reply = client.receive(AUTH_REPLY_LENGTH);
-        client.send_element(0);
-    });
+    const scripted_daemon daemon(logging_in_to(reply, {1, 0, 0, 0, 0, 0, 0, 0, 0}));
     const std::string cut = "0123456789012345678901234567890";
     const outcome got = trace(daemon, {"-vvv", "127.0.0.1", "1000"}, cut + "tail\nmore\n");
     EXPECT_NE(got.errors.find("Enter remote password: got AUTH random"), std::string::npos) << got.errors;

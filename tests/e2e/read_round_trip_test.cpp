@@ -17,6 +17,7 @@
 #include "support/programs.h"
 #include "support/simulator.h"
 #include "support/temp_directory.h"
+#include "support/words.h"
 
 namespace ifwatch::test {
 namespace {
@@ -29,15 +30,6 @@ std::vector<std::string> all_samples() {
         }
     }
     return {names.begin(), names.end()};
-}
-
-std::vector<std::string> words_of(const std::string& line) {
-    std::istringstream stream(line);
-    std::vector<std::string> words;
-    for (std::string word; stream >> word;) {
-        words.push_back(word);
-    }
-    return words;
 }
 
 std::vector<std::string> joined(std::vector<std::string> first, const std::vector<std::string>& second) {

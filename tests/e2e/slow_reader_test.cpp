@@ -175,13 +175,7 @@ TEST(slow_input, is_waited_for) {
     ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
     fcntl(ends[0], F_SETFL, O_NONBLOCK);
     octet_list reply;
-    const scripted_daemon daemon([&reply](const tcp_peer& client) {
-        client.receive(TRACE_REQUEST_OCTETS);
-        client.send_element(2, {3});
-        client.send_element(10, {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88});
-        reply = client.receive(AUTH_REPLY_LENGTH);
-        client.send_element(0);
-    });
+    const scripted_daemon daemon(logging_in_to(reply, {1, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88}));
     command what = tracing(daemon, {"127.0.0.1", "1000"});
     what.input_fd = ends[0];
     process tracer(what);

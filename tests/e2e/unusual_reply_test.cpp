@@ -139,13 +139,7 @@ TEST(login_element_length, of_the_version) {
 /// What the client answers to a challenge of these octets.
 octet_list answer_to(const octet_list& challenge) {
     octet_list answer;
-    const scripted_daemon daemon([&](const tcp_peer& client) {
-        client.receive(TRACE_REQUEST_OCTETS);
-        client.send_element(2, {3});
-        client.send_element(10, std::string(challenge.begin(), challenge.end()));
-        answer = client.receive(AUTH_REPLY_LENGTH);
-        client.send_element(0);
-    });
+    const scripted_daemon daemon(logging_in_to(answer, challenge));
     EXPECT_EQ(trace(daemon, {"--pwd=x", "127.0.0.1", "1000"}).status, 0);
     return answer;
 }

@@ -28,7 +28,7 @@ void check_export(const trace_case& parsed) {
     std::vector<std::uint8_t> file;
     std::size_t left_out = 0;
     std::string error;
-    const bool exported = export_capture(parsed, {}, file, left_out, error);
+    const bool exported = ifwatch::convert::export_capture(parsed, {}, file, left_out, error);
     require(exported == error.empty(), "a case that is not exported has a reason");
     require(left_out <= parsed.records.size(), "no more is left out than there is");
 }

@@ -1,11 +1,13 @@
 #include "display_check.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 
 #include "base/print.h"
 #include "display/record_display.h"
+#include "trace/element.h"
 
 namespace ifwatch::fuzz {
 
@@ -51,6 +53,23 @@ void check_pptp(const pptp_state& state) {
 }
 
 }  // namespace
+
+taken_record take_record(std::span<const std::uint8_t> input, int step_ms, record_header& header,
+                         display_context& context) {
+    header.record_flags = load_be32(input.data());
+    header.channel_info = load_be32(&input[4]);
+    header.timestamp_ms += static_cast<std::uint32_t>(static_cast<std::int8_t>(input[10]) * step_ms);
+    header.sequence += 1U + (input[10] & 1U);
+    const std::size_t length =
+        std::min({std::size_t{load_be16(&input[11])}, input.size() - RECORD_HEADER, std::size_t{RECORD_DATA_MAXIMUM}});
+    auto data = std::make_unique<std::uint8_t[]>(length);
+    std::copy_n(input.begin() + RECORD_HEADER, length, data.get());
+
+    context.header = &header;
+    context.payload = octets_of({data.get(), length});
+    context.original_length = static_cast<std::uint16_t>(length + load_be16(&input[8]));
+    return {.data = std::move(data), .rest = input.subspan(RECORD_HEADER + length)};
+}
 
 void require(bool holds, const char* what) {
     if (!holds) {

@@ -153,7 +153,8 @@ std::string capture_seed(const trace_case& trace) {
     std::vector<std::uint8_t> file{0};
     std::size_t left_out = 0;
     std::string error;
-    return convert::export_capture(trace, {}, file, left_out, error) ? std::string(file.begin(), file.end()) : std::string();
+    return convert::export_capture(trace, {}, file, left_out, error) ? std::string(file.begin(), file.end())
+                                                                     : std::string();
 }
 
 /// A pcapng file as ifwatch-extcap writes it, behind the octet that pcap_import_fuzz reads.

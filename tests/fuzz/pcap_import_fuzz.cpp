@@ -21,6 +21,8 @@ namespace {
 
 using namespace ifwatch::capture;
 using namespace ifwatch::convert;
+using ifwatch::cases::case_record;
+using ifwatch::cases::trace_case;
 using ifwatch::fuzz::require;
 
 constexpr std::array<int, 16> CHANNEL_TYPES = {0, -2, 0, 1, 2, 3, 4, 6, 7, 9, 16, 32, 118, 131, 135, 200};

@@ -1,31 +1,28 @@
 // Whatever a capture holds, the report about it comes to its end, reads no octet that is not there, stays small, and
-// prints no more than a page of bounded sections, in which nothing can act on a terminal. The input is that of
-// record_fuzz; records with the highest bit of their flags set are those of a second interface, a D-channel. An input
-// is too short for the bound of a tracker, so it gets a small one, or its own where the last octet of the header is
-// even.
+// prints no more than a page of bounded sections, in which nothing can act on a terminal. The input is a whole
+// trace, in steps of 100 ms (display_check.h); records with the highest bit of their flags set are those of a second
+// interface, a D-channel. An input is too short for the bound of a tracker, so it gets a small one, or its own where
+// the last octet of the header is even.
 
 #include <sanitizer/allocator_interface.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 #include <span>
 #include <string>
 
 #include "base/print.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
+#include "display_check.h"
 #include "read/report/report_run.h"
 #include "trace/element.h"
-#include "trace/record_stream.h"
 
 namespace {
 
 using namespace ifwatch;
 
-constexpr std::size_t TRACE_HEADER = 8;
-constexpr std::size_t RECORD_HEADER = 13;
 constexpr std::uint32_t OTHER_INTERFACE = 1U << 31;
 
 // Of two interfaces: at most 11 lines of trouble, and of each protocol two sections of a few dozen rows.
@@ -47,25 +44,15 @@ void demand(bool holds) {
     }
 }
 
-/// Takes the first record of the input, from memory of exactly its size; returns what follows it.
+/// Takes the first record of the input; returns what follows it.
 std::span<const std::uint8_t> take_record(std::span<const std::uint8_t> input, record_header& header,
                                           display_context& context, reporting::report_run& report) {
-    const std::uint32_t flags = load_be32(input.data());
-    header.record_flags = flags & ~OTHER_INTERFACE;
-    header.channel_info = load_be32(&input[4]);
-    header.timestamp_ms += static_cast<std::uint32_t>(static_cast<std::int8_t>(input[10]) * 100);
-    header.sequence += 1U + (input[10] & 1U);
-    const std::size_t length =
-        std::min({std::size_t{load_be16(&input[11])}, input.size() - RECORD_HEADER, std::size_t{RECORD_DATA_MAXIMUM}});
-    const auto data = std::make_unique<std::uint8_t[]>(length);
-    std::copy_n(input.begin() + RECORD_HEADER, length, data.get());
-
-    context.header = &header;
-    context.payload = octets_of({data.get(), length});
-    context.original_length = static_cast<std::uint16_t>(length + load_be16(&input[8]));
-    report.take((flags & OTHER_INTERFACE) != 0 ? 1 : 0, context);
+    const fuzz::taken_record taken = fuzz::take_record(input, 100, header, context);
+    const bool other = (header.record_flags & OTHER_INTERFACE) != 0;
+    header.record_flags &= ~OTHER_INTERFACE;
+    report.take(other ? 1 : 0, context);
     context.header = nullptr;
-    return input.subspan(RECORD_HEADER + length);
+    return taken.rest;
 }
 
 void check_page(bool has_records) {
@@ -91,13 +78,13 @@ void check_page(bool has_records) {
 // The name and the types are those of libFuzzer.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {  // NOLINT(*-identifier-naming)
     std::span<const std::uint8_t> input{data, size};
-    if (input.size() < TRACE_HEADER) {
+    if (input.size() < fuzz::TRACE_HEADER) {
         return 0;
     }
     set_output_writer(collect);
     page.clear();
     const std::size_t memory_before = __sanitizer_get_current_allocated_bytes();
-    const bool few = (input[TRACE_HEADER - 1] & 1) != 0;
+    const bool few = (input[fuzz::TRACE_HEADER - 1] & 1) != 0;
     const std::size_t most_of_each = few ? FEW_REMEMBERED : reporting::allowance::MOST_OF_EACH;
     reporting::report_run report(most_of_each);
     display_context context;
@@ -107,7 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     report.begin_interface("2101", context.channel_type, context.mode_flags);
     report.begin_interface("2100", 0, context.mode_flags);
     record_header header;
-    for (input = input.subspan(TRACE_HEADER); input.size() >= RECORD_HEADER;) {
+    for (input = input.subspan(fuzz::TRACE_HEADER); input.size() >= fuzz::RECORD_HEADER;) {
         input = take_record(input, header, context, report);
     }
     demand(__sanitizer_get_current_allocated_bytes() <= memory_before + MOST_MEMORY);

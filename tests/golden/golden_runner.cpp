@@ -6,16 +6,16 @@
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "base/print.h"
-#include "golden/golden_compare.h"
 #include "cases/case_file.h"
 #include "command_line/text_parts.h"
+#include "golden/golden_compare.h"
 #include "support/process.h"
 #include "support/temp_directory.h"
+#include "support/words.h"
 
 namespace {
 
@@ -54,15 +54,6 @@ using failure = std::string;
 
 std::string expected_path(const std::string& case_path) {
     return std::filesystem::path(case_path).replace_extension(".expected").string();
-}
-
-std::vector<std::string> words_of(const std::string& text) {
-    std::istringstream stream(text);
-    std::vector<std::string> words;
-    for (std::string word; stream >> word;) {
-        words.push_back(word);
-    }
-    return words;
 }
 
 failure failed_run(const std::string& program, const outcome& ended) {

@@ -7,10 +7,11 @@
 #include <vector>
 
 #include "base/print.h"
+#include "cases/case_file.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
-#include "cases/case_file.h"
 #include "support/case_options.h"
+#include "support/current_record.h"
 
 namespace {
 
@@ -37,13 +38,8 @@ bool read_case(const std::string& path, shown_case& what) {
 }
 
 void show(display_context& context, cases::case_record& record) {
-    const record_header header{.timestamp_ms = record.timestamp_ms,
-                               .record_flags = record.flags,
-                               .channel_info = record.info,
-                               .sequence = record.sequence};
-    context.header = &header;
-    context.payload = octets_of(record.data);
-    context.original_length = record.data.empty() ? 0 : record.original_length;
+    record_header header;
+    test::make_current(context, record, header);
     display_record(context);
     flush_output();
     context.header = nullptr;

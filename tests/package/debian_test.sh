@@ -7,6 +7,8 @@ tests=$(cd "$(dirname "$0")/.." && pwd)
 PATH=$PATH:/usr/sbin:/sbin
 # shellcheck source=tests/support/simulator.sh
 . "$tests/support/simulator.sh"
+# shellcheck source=tests/package/make_package.sh
+. "$tests/package/make_package.sh"
 
 skip() {
     echo "skipped: $*"
@@ -29,10 +31,7 @@ root=$scratch/root
 
 # --- The package
 
-(cd "$build" && cpack -G DEB -B "$scratch/made" >"$scratch/cpack.txt" 2>&1) || {
-    cat "$scratch/cpack.txt"
-    fail "the package could not be made"
-}
+make_package DEB "$build" "$scratch"
 package=$(echo "$scratch"/made/ifwatch_*.deb)
 
 field() { dpkg-deb --field "$package" "$1"; }

@@ -3,6 +3,8 @@
 set -eu
 build=$1
 source=$(cd "$(dirname "$0")/../.." && pwd)
+# shellcheck source=tests/package/make_package.sh
+. "$source/tests/package/make_package.sh"
 
 command -v rpmbuild >/dev/null || {
     echo "skipped: there is no rpmbuild here"
@@ -11,11 +13,7 @@ command -v rpmbuild >/dev/null || {
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
-(cd "$build" && cpack -G RPM -B "$scratch/made" >"$scratch/cpack.txt" 2>&1) || {
-    cat "$scratch/cpack.txt"
-    echo "FAILED: the package could not be made"
-    exit 1
-}
+make_package RPM "$build" "$scratch"
 package=$(echo "$scratch"/made/ifwatch-*.rpm)
 query() { rpm --dbpath "$scratch/db" "$@"; }
 

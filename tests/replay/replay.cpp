@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "base/print.h"
+#include "cases/case_file.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
-#include "cases/case_file.h"
 #include "support/case_options.h"
 
 namespace {

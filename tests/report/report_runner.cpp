@@ -7,18 +7,18 @@
 #include <iostream>
 #include <iterator>
 #include <span>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/print.h"
+#include "cases/case_file.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
 #include "golden/golden_compare.h"
 #include "read/report/report_run.h"
-#include "cases/case_file.h"
 #include "support/case_options.h"
+#include "support/current_record.h"
 
 namespace {
 
@@ -32,13 +32,8 @@ long collect(const char* data, std::size_t length) {
 }
 
 void take(reporting::report_run& report, std::size_t line, display_context& context, cases::case_record& record) {
-    const record_header header{.timestamp_ms = record.timestamp_ms,
-                               .record_flags = record.flags,
-                               .channel_info = record.info,
-                               .sequence = record.sequence};
-    context.header = &header;
-    context.payload = octets_of(record.data);
-    context.original_length = record.data.empty() ? 0 : record.original_length;
+    record_header header;
+    test::make_current(context, record, header);
     report.take(line, context);
     context.header = nullptr;
 }

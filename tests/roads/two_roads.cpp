@@ -7,23 +7,23 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/print.h"
+#include "cases/case_file.h"
+#include "cases/record_source.h"
 #include "client/options.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
 #include "golden/golden_compare.h"
-#include "cases/case_file.h"
-#include "cases/record_source.h"
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/scripted_daemon.h"
 #include "support/temp_directory.h"
 #include "support/trace_records.h"
+#include "support/words.h"
 #include "trace/record_stream.h"
 
 namespace {
@@ -113,10 +113,8 @@ public:
 private:
     static test::command of(const std::string& program, std::vector<std::string> arguments, const std::string& options,
                             const std::vector<std::string>& target) {
-        std::istringstream words(options);
-        for (std::string word; words >> word;) {
-            arguments.push_back(word);
-        }
+        const std::vector<std::string> words = words_of(options);
+        arguments.insert(arguments.end(), words.begin(), words.end());
         arguments.insert(arguments.end(), target.begin(), target.end());
         return {.program = program, .arguments = arguments};
     }

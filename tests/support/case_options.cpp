@@ -1,18 +1,15 @@
 #include "support/case_options.h"
 
-#include <sstream>
+#include <string>
 #include <vector>
 
 #include "client/options.h"
+#include "support/words.h"
 
 namespace ifwatch::test {
 
 std::uint32_t mode_flags_of(const std::string& options_line) {
-    std::istringstream stream("ifwatch " + options_line + " router 1000");
-    std::vector<std::string> words;
-    for (std::string word; stream >> word;) {
-        words.push_back(word);
-    }
+    std::vector<std::string> words = words_of("ifwatch " + options_line + " router 1000");
     std::vector<char*> arguments;
     for (std::string& word : words) {
         arguments.push_back(word.data());

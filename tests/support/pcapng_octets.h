@@ -2,27 +2,17 @@
 
 #include <cstdint>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
+
+#include "support/ordered_octets.h"
 
 namespace ifwatch::test {
 
 /// A pcapng file put together octet by octet, in either byte order.
-class pcapng_octets {
+class pcapng_octets : public ordered_octets<pcapng_octets> {
 public:
-    explicit pcapng_octets(bool big_endian = false) : big_endian_(big_endian) {}
-
-    pcapng_octets& half(std::uint32_t value) { return number(value, 2); }
-    pcapng_octets& word(std::uint32_t value) { return number(value, 4); }
-    pcapng_octets& long_word(std::uint64_t value) { return number(value, 8); }
-
-    /// Octets padded with zeros to a multiple of 4.
-    pcapng_octets& padded(std::span<const std::uint8_t> octets) {
-        octets_.insert(octets_.end(), octets.begin(), octets.end());
-        octets_.resize((octets_.size() + 3) / 4 * 4);
-        return *this;
-    }
+    using ordered_octets::ordered_octets;
 
     pcapng_octets& option(std::uint16_t code, std::span<const std::uint8_t> value) {
         return half(code).half(static_cast<std::uint16_t>(value.size())).padded(value);
@@ -36,10 +26,8 @@ public:
 
     /// Puts a block of this type around what `body` has put together, in the same byte order.
     pcapng_octets& block(std::uint32_t type, const pcapng_octets& body) {
-        const auto total = static_cast<std::uint32_t>(body.octets_.size() + 12);
-        word(type).word(total);
-        octets_.insert(octets_.end(), body.octets_.begin(), body.octets_.end());
-        return word(total);
+        const auto total = static_cast<std::uint32_t>(body.octets().size() + 12);
+        return word(type).word(total).data(body.octets()).word(total);
     }
 
     pcapng_octets& section() { return block(0x0A0D0D0A, empty().word(0x1A2B3C4D).half(1).half(0).long_word(~0ULL)); }
@@ -62,21 +50,7 @@ public:
         body.word(interface_id).word(static_cast<std::uint32_t>(time >> 32)).word(static_cast<std::uint32_t>(time));
         return body.word(length).word(length).padded(octets);
     }
-    [[nodiscard]] pcapng_octets empty() const { return pcapng_octets(big_endian_); }
-
-    [[nodiscard]] const std::vector<std::uint8_t>& octets() const { return octets_; }
-    [[nodiscard]] std::string text() const { return {octets_.begin(), octets_.end()}; }
-
-private:
-    pcapng_octets& number(std::uint64_t value, int octets) {
-        for (int i = 0; i < octets; ++i) {
-            octets_.push_back(static_cast<std::uint8_t>(value >> (8 * (big_endian_ ? octets - 1 - i : i))));
-        }
-        return *this;
-    }
-
-    bool big_endian_;
-    std::vector<std::uint8_t> octets_;
+    [[nodiscard]] pcapng_octets empty() const { return pcapng_octets(big_endian()); }
 };
 
 }  // namespace ifwatch::test

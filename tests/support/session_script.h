@@ -32,6 +32,17 @@ inline scripted_daemon::script replying(std::vector<std::uint8_t> reply) {
     };
 }
 
+/// A version-3 daemon that challenges with these octets, keeps the answer in `reply`, and ends the session.
+inline scripted_daemon::script logging_in_to(std::vector<std::uint8_t>& reply, std::vector<std::uint8_t> challenge) {
+    return [&reply, challenge = std::move(challenge)](const tcp_peer& client) {
+        client.receive(TRACE_REQUEST_OCTETS);
+        client.send_element(2, {3});
+        client.send_element(10, std::string(challenge.begin(), challenge.end()));
+        reply = client.receive(AUTH_REPLY_LENGTH);
+        client.send_element(0);
+    };
+}
+
 /// A command line against the daemon.
 inline command tracing(const scripted_daemon& daemon, std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), daemon.port_option());

@@ -48,9 +48,9 @@ FNR == 1 { document = FILENAME ~ /\.md$/ }
 FNR == 1 { fenced = 0 }
 /^```/ { fenced = !fenced }
 fenced { next }
-/^    [A-Za-z]+(\/[a-z_]+)*\/? / {
+/^    \.?[A-Za-z]+(\/[a-z_]+)*(\/|\/\*\.sh)? / {
     # A folder map; commands begin with ./ or are longer words.
-    if ($1 ~ /\/$/ && !made($1) && !there($1)) complain("no folder " $1)
+    if ($1 ~ /\/(\*\.sh)?$/ && !made($1) && !there($1)) complain("no folder " $1)
 }
 /^    / { next }
 {

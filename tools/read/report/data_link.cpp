@@ -1,20 +1,11 @@
 #include "read/report/data_link.h"
 
 #include "read/report/page.h"
+#include "x25/control_octets.h"
 
 namespace ifwatch::reporting {
 
 namespace {
-
-constexpr int POLL_FINAL = 0x10;  // of an unnumbered frame's control octet
-
-// Control octets without their P/F bit; of a supervisory frame in modulo 8 without N(R), too.
-constexpr int REJ = 0x09;
-constexpr int DM = 0x0F;
-constexpr int SABM = 0x2F;
-constexpr int DISC = 0x43;
-constexpr int UA = 0x63;
-constexpr int SABME = 0x6F;
 
 constexpr std::uint64_t MANY_REJECTS = 10;
 

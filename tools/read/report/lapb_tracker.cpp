@@ -3,19 +3,13 @@
 #include <algorithm>
 
 #include "read/report/page.h"
+#include "x25/control_octets.h"
 #include "x25/frmr.h"
 #include "x25/lapb.h"
 
 namespace ifwatch::reporting {
 
 namespace {
-
-constexpr int POLL_FINAL = 0x10;
-constexpr int SABM = 0x2F;
-constexpr int DISC = 0x43;
-constexpr int UA = 0x63;
-constexpr int SABME = 0x6F;
-constexpr int FRMR = 0x87;
 
 // The stations A and B, and C and D of a multilink procedure; a command bears the address of the one that it is for.
 constexpr int STATION_A = 0x03;

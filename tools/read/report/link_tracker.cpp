@@ -5,6 +5,7 @@
 #include "isdn/call_reference.h"
 #include "isdn/lapd.h"
 #include "read/report/page.h"
+#include "x25/control_octets.h"
 
 namespace ifwatch::reporting {
 
@@ -14,9 +15,6 @@ using kind = tei_event::kind;
 
 constexpr int SAPI_MANAGEMENT = 63;
 constexpr int GROUP_TEI = 127;
-
-constexpr int UI = 0x03;  // control octets without their P/F bit
-constexpr int FRMR = 0x87;
 
 // Of TEI management.
 constexpr int IDENTITY_REQUEST = 1;
@@ -131,7 +129,7 @@ bool take_link_frame(link_tracker& tracker, const journal& about, const frame& w
     const int control = data[2];
     if (lapd_tei(data) == GROUP_TEI) {
         const octets message = data.skip(lapd_header_length(data));
-        const bool management = lapd_sapi(data) == SAPI_MANAGEMENT && (control & ~LAPD_POLL_FINAL) == UI;
+        const bool management = lapd_sapi(data) == SAPI_MANAGEMENT && (control & ~POLL_FINAL) == UI;
         if (management && message[0] == PD_MANAGEMENT && message.length > 4) {
             take_management(tracker, about, what, message.skip(1));
         }
@@ -139,7 +137,7 @@ bool take_link_frame(link_tracker& tracker, const journal& about, const frame& w
     }
     const bool link_down =
         take_link_control(tracker.links, about, what, {lapd_sapi(data), lapd_tei(data), "SABME"}, control);
-    if ((control & ~LAPD_POLL_FINAL) == FRMR) {
+    if ((control & ~POLL_FINAL) == FRMR) {
         const char* const who = what.sent ? "the router" : "the other side";
         tell_trouble<"%s did not understand a frame on TEI %d (FRMR)">(
             about, what.at, about.has_sent ? who : "a station", lapd_tei(data));
