@@ -135,13 +135,15 @@ private:
         return at;
     }
 
-    /// Of those that last.
+    /// Of those that last. What happened once cannot have happened less: a flood of such is not looked through.
     [[nodiscard]] int least_of_oldest() const {
         int least = open_.first;
         if constexpr (requires(const Entry& one) { one.times; }) {
             int at = least;
-            for (std::size_t looked_at = 0; looked_at < FEW && at != NONE; ++looked_at, at = item_at(at).next) {
+            for (std::size_t looked_at = 0; looked_at < FEW && at != NONE && item_at(least).entry.times > 1;
+                 ++looked_at) {
                 least = item_at(at).entry.times < item_at(least).entry.times ? at : least;
+                at = item_at(at).next;
             }
         }
         return least;
