@@ -257,22 +257,13 @@ void finish_calls(call_tracker& tracker, const journal& about) {
 }
 
 void print_calls(const call_tracker& tracker, const journal& about) {
-    const std::vector<const call_record*> calls = tracker.calls.in_order();
-    if (calls.empty()) {
-        return;
-    }
     section rows;
     if (tracker.count > section::MOST_ROWS) {
         print_row<"%s, %lu of them connected">(rows, tracker.first, count_text(tracker.count, "call"),
                                                tracker.connected);
     }
-    for (const call_record* const call : calls) {
-        text_buffer<MAX_ROW> text;
-        put_call(text, *call, about);
-        print_row_text(rows, call->first, text.text());
-    }
-    rows.left_out += tracker.calls.forgotten();
-    end_section(rows);
+    print_remembered(
+        tracker.calls, [&](text_sink& out, const call_record& call) { put_call(out, call, about); }, rows);
 }
 
 }  // namespace ifwatch::reporting

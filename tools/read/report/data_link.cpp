@@ -203,14 +203,7 @@ void finish_data_links(data_links& links, const journal& about) {
 }
 
 void print_data_links(const data_links& links, const journal& about) {
-    section rows;
-    for (const data_link* const link : links.in_order()) {
-        text_buffer<MAX_ROW> text;
-        put_link(text, *link, about);
-        print_row_text(rows, link->first, text.text());
-    }
-    rows.left_out += links.forgotten();
-    end_section(rows);
+    print_remembered(links, [&](text_sink& out, const data_link& link) { put_link(out, link, about); });
 }
 
 }  // namespace ifwatch::reporting

@@ -243,17 +243,11 @@ void finish_eft(eft_tracker& tracker, const journal& about) {
 bool eft_was_seen(const eft_tracker& tracker) { return tracker.seen; }
 
 void print_eft_section(const eft_tracker& tracker, const journal& about) {
-    section rows;
-    for (const eft_request* const request : tracker.requests.in_order()) {
-        if (!is_row(*request)) {
-            continue;
+    print_remembered(tracker.requests, [&](text_sink& out, const eft_request& request) {
+        if (is_row(request)) {
+            put_eft_request(out, request, about);
         }
-        text_buffer<MAX_ROW> text;
-        put_eft_request(text, *request, about);
-        print_row_text(rows, request->first, text.text());
-    }
-    rows.left_out += tracker.requests.forgotten();
-    end_section(rows);
+    });
 }
 
 }  // namespace ifwatch::reporting

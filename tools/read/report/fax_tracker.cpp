@@ -272,14 +272,8 @@ void finish_fax(fax_tracker& tracker, const journal& about) { session_within(tra
 bool fax_was_seen(const fax_tracker& tracker) { return tracker.seen; }
 
 void print_fax_section(const fax_tracker& tracker, const journal& about) {
-    section rows;
-    for (const fax_session* const session : tracker.sessions.in_order()) {
-        text_buffer<MAX_ROW> text;
-        put_fax_session(text, *session, about);
-        print_row_text(rows, session->first, text.text());
-    }
-    rows.left_out += tracker.sessions.forgotten();
-    end_section(rows);
+    print_remembered(tracker.sessions,
+                     [&](text_sink& out, const fax_session& session) { put_fax_session(out, session, about); });
 }
 
 }  // namespace ifwatch::reporting

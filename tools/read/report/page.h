@@ -9,6 +9,7 @@
 #include "base/octets.h"
 #include "base/print.h"
 #include "read/report/journal.h"
+#include "read/report/remembered.h"
 
 namespace ifwatch::reporting {
 
@@ -83,5 +84,20 @@ void print_row(section& to, place at, const Arguments&... arguments) {
 
 /// Tells how many rows were left out.
 void end_section(const section& to);
+
+/// Prints the rows of all entries that are still remembered, in the order of time, and ends the section; those that
+/// were given up count as left out. `put(text, entry)` writes a row's text; an entry without text has no row.
+template <class Key, class Entry, class Put>
+void print_remembered(const remembered<Key, Entry>& all, Put put, section rows = {}) {
+    for (const Entry* const one : all.in_order()) {
+        text_buffer<MAX_ROW> text;
+        put(text, *one);
+        if (!text.text().empty()) {
+            print_row_text(rows, one->first, text.text());
+        }
+    }
+    rows.left_out += all.forgotten();
+    end_section(rows);
+}
 
 }  // namespace ifwatch::reporting

@@ -312,13 +312,7 @@ void print_ppp_section(const ppp_tracker& tracker) {
     if (tracker.count > section::MOST_ROWS) {
         print_row<"%s">(rows, tracker.first, count_text(tracker.count, "link"));
     }
-    for (const ppp_link* const link : tracker.links.in_order()) {
-        text_buffer<MAX_ROW> text;
-        put_ppp_link(text, *link);
-        print_row_text(rows, link->first, text.text());
-    }
-    rows.left_out += tracker.links.forgotten();
-    end_section(rows);
+    print_remembered(tracker.links, put_ppp_link, rows);
 }
 
 }  // namespace ifwatch::reporting

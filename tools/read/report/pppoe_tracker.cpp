@@ -303,18 +303,13 @@ void finish_pppoe(pppoe_tracker& tracker, const journal& about) {
 bool pppoe_was_seen(const pppoe_tracker& tracker) { return tracker.seen; }
 
 void print_pppoe_section(const pppoe_tracker& tracker) {
-    section rows;
-    for (const pppoe_search* const search : tracker.searches.in_order()) {
-        text_buffer<MAX_ROW> text;
-        if (search->host != 0) {
-            print_to<"%s: ">(text, station_text(search->host));
+    print_remembered(tracker.searches, [](text_sink& out, const pppoe_search& search) {
+        if (search.host != 0) {
+            print_to<"%s: ">(out, station_text(search.host));
         }
-        put_offers(text, *search);
-        put_session(text, *search);
-        print_row_text(rows, search->first, text.text());
-    }
-    rows.left_out += tracker.searches.forgotten();
-    end_section(rows);
+        put_offers(out, search);
+        put_session(out, search);
+    });
 }
 
 }  // namespace ifwatch::reporting

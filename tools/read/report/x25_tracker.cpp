@@ -398,25 +398,13 @@ bool x25_was_seen(const x25_tracker& tracker) { return tracker.seen; }
 
 void print_x25_section(const x25_tracker& tracker, const journal& about) {
     print_data_links(tracker.lapb.links, about);
-    section restarts;
-    for (const x25_restart* const restart : tracker.restarts.in_order()) {
-        text_buffer<MAX_ROW> text;
-        put_restart(text, *restart, about);
-        print_row_text(restarts, restart->first, text.text());
-    }
-    restarts.left_out += tracker.restarts.forgotten();
-    end_section(restarts);
-    section calls;
-    for (const x25_call* const call : tracker.calls.in_order()) {
-        if (!state_of(tracker, call->link).is_x25) {
-            continue;
+    print_remembered(tracker.restarts,
+                     [&](text_sink& out, const x25_restart& restart) { put_restart(out, restart, about); });
+    print_remembered(tracker.calls, [&](text_sink& out, const x25_call& call) {
+        if (state_of(tracker, call.link).is_x25) {
+            put_x25_call(out, call, about);
         }
-        text_buffer<MAX_ROW> text;
-        put_x25_call(text, *call, about);
-        print_row_text(calls, call->first, text.text());
-    }
-    calls.left_out += tracker.calls.forgotten();
-    end_section(calls);
+    });
 }
 
 }  // namespace ifwatch::reporting
