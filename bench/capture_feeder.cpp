@@ -5,18 +5,15 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <span>
-#include <string>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "base/patient_write.h"
 #include "capture/link_types.h"
 #include "capture/pcap_writer.h"
-#include "trace/element.h"
 #include "trace/record_stream.h"
 #include "traffic.h"
 
@@ -26,30 +23,6 @@ using namespace ifwatch;
 
 constexpr std::int64_t NS_PER_PACKET = 100'000;
 constexpr std::size_t PIECE = std::size_t{1} << 20;
-
-struct feeding {
-    bench::traffic block;
-    unsigned long packets = 0;
-    unsigned long pause = 0;  // 0: none
-};
-
-bool read_arguments(std::span<char*> arguments, feeding& what) {
-    if (arguments.size() > 2 && std::string(arguments[1]) == "--pause") {
-        what.pause = std::strtoul(arguments[2], nullptr, 10);
-        arguments = arguments.subspan(2);
-    }
-    if (arguments.size() != 3) {
-        static_cast<void>(std::fputs("usage: capture_feeder [--pause PACKETS] PACKETS SOURCE\n", stderr));
-        return false;
-    }
-    what.packets = std::strtoul(arguments[1], nullptr, 10);
-    std::string error;
-    if (!bench::find_traffic(arguments[2], what.block, error)) {
-        static_cast<void>(std::fprintf(stderr, "capture_feeder: %s\n", error.c_str()));
-        return false;
-    }
-    return true;
-}
 
 bool leave(std::vector<std::uint8_t>& octets) {
     const bool written = write_whole(STDOUT_FILENO, {reinterpret_cast<const char*>(octets.data()), octets.size()});
@@ -63,16 +36,17 @@ std::span<const std::uint8_t> frame_of(const bench::traffic& block, std::size_t 
     return record.subspan(RECORD_HEADER_LENGTH, load_be16(record.data()) - std::size_t{RECORD_HEADER_LENGTH});
 }
 
-bool feed(const feeding& what) {
+bool feed(const bench::feeding& what) {
+    const unsigned long pause = what.number_of("--pause", 0);  // 0: none
     std::vector<std::uint8_t> octets;
     octets.reserve(2 * PIECE);
     capture::append_pcap_header(octets, capture::LINK_ETHERNET);
-    for (unsigned long i = 0; i < what.packets; ++i) {
+    for (unsigned long i = 0; i < what.count; ++i) {
         const auto frame = frame_of(what.block, i % what.block.starts.size());
         capture::append_pcap_packet(octets, {.time_ns = static_cast<std::int64_t>(i + 1) * NS_PER_PACKET,
                                              .original_length = static_cast<std::uint32_t>(frame.size()),
                                              .data = frame});
-        const bool halts = what.pause != 0 && (i + 1 == what.pause || i + 1 == what.packets);
+        const bool halts = pause != 0 && (i + 1 == pause || i + 1 == what.count);
         if ((octets.size() >= PIECE || halts) && !leave(octets)) {
             return false;
         }
@@ -86,8 +60,9 @@ bool feed(const feeding& what) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    feeding what;
-    if (!read_arguments({argv, static_cast<std::size_t>(argc)}, what)) {
+    bench::feeding what;
+    if (!bench::read_arguments({argv, static_cast<std::size_t>(argc)},
+                               "capture_feeder [--pause PACKETS] PACKETS SOURCE", what)) {
         return 2;
     }
     if (!feed(what)) {

@@ -22,15 +22,23 @@ constexpr int CHANNEL_LAN = 6;
 
 long discard(const char* /*data*/, std::size_t length) { return static_cast<long>(length); }
 
-void show(benchmark::State& state, int channel_type, std::uint32_t mode_flags, std::span<std::uint8_t> frame) {
-    set_output_writer(discard);
-    record_header header{.timestamp_ms = 1000};
+/// The context in which a record that holds the frame is shown.
+display_context showing(int channel_type, std::uint32_t mode_flags, record_header& header,
+                        std::span<std::uint8_t> frame) {
     display_context context;
     init_display_context(context);
     context.channel_type = channel_type;
     context.mode_flags = mode_flags;
     context.header = &header;
     context.original_length = static_cast<std::uint32_t>(frame.size());
+    context.payload = octets_of(frame);
+    return context;
+}
+
+void show(benchmark::State& state, int channel_type, std::uint32_t mode_flags, std::span<std::uint8_t> frame) {
+    set_output_writer(discard);
+    record_header header{.timestamp_ms = 1000};
+    display_context context = showing(channel_type, mode_flags, header, frame);
     for ([[maybe_unused]] const auto _ : state) {
         ++header.sequence;
         context.payload = octets_of(frame);
@@ -82,13 +90,7 @@ long keep_text(const char* data, std::size_t length) {
 void ethernet_tcp_floor(benchmark::State& state) {
     std::array<std::uint8_t, 512> frame = tcp_segment();
     record_header header{.timestamp_ms = 1000};
-    display_context context;
-    init_display_context(context);
-    context.channel_type = CHANNEL_LAN;
-    context.mode_flags = LAN_DEFAULT;
-    context.header = &header;
-    context.original_length = static_cast<std::uint32_t>(frame.size());
-    context.payload = octets_of(frame);
+    display_context context = showing(CHANNEL_LAN, LAN_DEFAULT, header, frame);
     shown_text.clear();
     set_output_writer(keep_text);
     display_record(context);

@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "trace/element.h"
 
 namespace {

@@ -16,6 +16,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "base/print.h"
 #include "child.h"
 #include "display/display_context.h"
@@ -23,7 +24,6 @@
 #include "display/record_display.h"
 #include "figures.h"
 #include "runs.h"
-#include "trace/element.h"
 #include "trace/record_stream.h"
 #include "traffic.h"
 

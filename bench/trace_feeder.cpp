@@ -17,11 +17,10 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <span>
-#include <string>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "trace/element.h"
 #include "traffic.h"
 
@@ -30,13 +29,6 @@ namespace {
 using namespace ifwatch;
 
 constexpr int REQUEST_LENGTH = 20;
-
-struct serving {
-    bench::traffic block;
-    unsigned long records = 0;
-    unsigned long pause = 0;  // 0: none
-    unsigned long clients = 1;
-};
 
 int fail(const char* what) {
     std::perror(what);
@@ -78,53 +70,34 @@ unsigned long send_some(int client, bench::traffic& block, unsigned long sent, u
 }
 
 /// False for a client that has gone, or speaks another version.
-bool acknowledge(int client, const serving& what) {
+bool acknowledge(int client, const bench::feeding& what) {
     std::uint8_t request[REQUEST_LENGTH];
     const auto channel_type = static_cast<std::uint8_t>(what.block.channel_type);
     return read_n(client, request, REQUEST_LENGTH) == REQUEST_LENGTH && load_be32(request) == 1 &&
            write_all(client, {&channel_type, 1});
 }
 
-void serve(int client, serving& what) {
+void serve(int client, bench::feeding& what) {
+    const unsigned long pause = what.number_of("--pause", 0);  // 0: none
     unsigned long sent = 0;
-    while (sent < what.records) {
-        const unsigned long until = sent < what.pause ? what.pause : what.records;
+    while (sent < what.count) {
+        const unsigned long until = sent < pause ? pause : what.count;
         const unsigned long count = send_some(client, what.block, sent, until - sent);
         if (count == 0) {
             return;
         }
         sent += count;
-        const bool halts = what.pause != 0 && (sent == what.pause || sent == what.records);
+        const bool halts = pause != 0 && (sent == pause || sent == what.count);
         if (halts && !say_and_wait(client, sent)) {
             return;
         }
     }
 }
 
-bool read_arguments(std::span<char*> arguments, serving& what) {
-    const std::string option = arguments.size() > 2 ? arguments[1] : "";
-    if (option == "--pause" || option == "--clients") {
-        (option == "--pause" ? what.pause : what.clients) = std::strtoul(arguments[2], nullptr, 10);
-        arguments = arguments.subspan(2);
-    }
-    if (arguments.size() != 3) {
-        static_cast<void>(
-            std::fputs("usage: trace_feeder [--pause RECORDS | --clients COUNT] RECORDS SOURCE\n", stderr));
-        return false;
-    }
-    what.records = std::strtoul(arguments[1], nullptr, 10);
-    std::string error;
-    if (!bench::find_traffic(arguments[2], what.block, error)) {
-        static_cast<void>(std::fprintf(stderr, "trace_feeder: %s\n", error.c_str()));
-        return false;
-    }
-    return true;
-}
-
 /// As many clients as are served at a time, all of them acknowledged; fewer when the system refuses.
-std::vector<int> gather(int listening, const serving& what) {
+std::vector<int> gather(int listening, const bench::feeding& what) {
     std::vector<int> clients;
-    while (clients.size() < what.clients) {
+    while (clients.size() < what.number_of("--clients", 1)) {
         const int client = accept4(listening, nullptr, nullptr, SOCK_CLOEXEC);
         if (client < 0) {
             break;
@@ -139,7 +112,7 @@ std::vector<int> gather(int listening, const serving& what) {
 }
 
 /// Each by a process of its own, the only one by this.
-void serve_all(const std::vector<int>& clients, serving& what) {
+void serve_all(const std::vector<int>& clients, bench::feeding& what) {
     for (const int client : clients) {
         if (clients.size() == 1) {
             serve(client, what);
@@ -156,9 +129,10 @@ void serve_all(const std::vector<int>& clients, serving& what) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    serving what;
+    bench::feeding what;
     std::uint16_t port = 0;
-    if (!read_arguments({argv, static_cast<std::size_t>(argc)}, what)) {
+    if (!bench::read_arguments({argv, static_cast<std::size_t>(argc)},
+                               "trace_feeder [--pause RECORDS | --clients COUNT] RECORDS SOURCE", what)) {
         return 2;
     }
     const int listening = listen_on_loopback(port);
@@ -170,7 +144,7 @@ int main(int argc, char** argv) {
     static_cast<void>(std::signal(SIGCHLD, SIG_IGN));  // nobody asks how they ended
     for (;;) {
         const std::vector<int> clients = gather(listening, what);
-        if (clients.size() < what.clients) {
+        if (clients.size() < what.number_of("--clients", 1)) {
             return fail("trace_feeder: accept");
         }
         serve_all(clients, what);

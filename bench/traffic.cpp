@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdio>
+#include <cstdlib>
 #include <random>
 #include <span>
 
+#include "base/byte_order.h"
 #include "cases/case_file.h"
 #include "cases/record_source.h"
-#include "trace/element.h"
 
 namespace ifwatch::bench {
 
@@ -318,6 +320,22 @@ bool find_traffic(std::string_view source, traffic& found, std::string& error) {
         return true;
     }
     return read_case(source, found, error);
+}
+
+bool read_arguments(std::span<char*> arguments, std::string_view usage, feeding& what) {
+    if (arguments.size() == 5) {
+        what.option = arguments[1];
+        what.number = std::strtoul(arguments[2], nullptr, 10);
+        arguments = arguments.subspan(2);
+    }
+    const bool known = what.option.empty() || usage.find(what.option) != std::string_view::npos;
+    std::string error = "usage: " + std::string(usage);
+    if (arguments.size() == 3 && known && find_traffic(arguments[2], what.block, error)) {
+        what.count = std::strtoul(arguments[1], nullptr, 10);
+        return true;
+    }
+    static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
+    return false;
 }
 
 void number_records(traffic& block, std::uint32_t first) {

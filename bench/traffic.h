@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,21 @@ enum class frame_kind {
 /// What `source` names: "mixed", "tcp=LENGTH", "nested=LENGTH", "tables=LENGTH", "services=LENGTH", or the path of a
 /// case file. On a mistake false, with what is wrong in `error`.
 bool find_traffic(std::string_view source, traffic& found, std::string& error);
+
+/// What a feeder is told, as [OPTION NUMBER] COUNT SOURCE.
+struct feeding {
+    traffic block;
+    unsigned long count = 0;  // records or packets
+    std::string_view option;  // "": none
+    unsigned long number = 0;
+
+    [[nodiscard]] unsigned long number_of(std::string_view name, unsigned long otherwise) const {
+        return option == name ? number : otherwise;
+    }
+};
+
+/// On a mistake false, with what is wrong on the error stream. `usage` begins with the program's name.
+bool read_arguments(std::span<char*> arguments, std::string_view usage, feeding& what);
 
 /// Gives the records the sequence numbers from `first` on, and time stamps that go on with them.
 void number_records(traffic& block, std::uint32_t first);

@@ -22,6 +22,7 @@
 #include "trace/pcap.h"
 #include "trace/record_stream.h"
 #include "trace/session.h"
+#include "trace/trace_file.h"
 
 namespace ifwatch {
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "atm/l1_event.h"
 #include "base/hex_dump.h"
 #include "base/print.h"
 #include "display/channel_display.h"
+#include "display/l1_event.h"
 #include "display/mode_flags.h"
 
 namespace ifwatch {

@@ -26,7 +26,7 @@ int dump_snap(octets frame, const display_context& context, int& type) {
 void dump_header(octets frame, display_context& context, bool unnumbered) {
     const int control = frame[2];
     const int poll_final = unnumbered ? control >> 4 & 1 : frame[3] & 1;
-    const link_header header{
+    const lapb_header header{
         .address = frame[0], .control = control, .nr = frame[3] >> 1, .ns = control >> 1, .poll_final = poll_final};
     print_lapb_control(frame.skip(1), header, context);
 }

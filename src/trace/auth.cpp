@@ -11,9 +11,9 @@
 #include <cstring>
 #include <memory>
 
+#include "base/byte_order.h"
 #include "base/print.h"
 #include "base/verbose.h"
-#include "trace/element.h"
 
 namespace ifwatch {
 

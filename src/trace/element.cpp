@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+#include "base/byte_order.h"
+
 namespace ifwatch {
 
 int read_n(int fd, std::uint8_t* buffer, int n) {

@@ -2,8 +2,8 @@
 
 #include <new>
 
+#include "base/byte_order.h"
 #include "base/print.h"
-#include "trace/element.h"
 #include "trace/record_stream.h"
 
 namespace ifwatch {

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "base/byte_order.h"
 #include "base/print.h"
 #include "base/verbose.h"
 #include "display/display_context.h"

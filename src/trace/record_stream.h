@@ -54,9 +54,4 @@ record_read receive_record(int socket_fd, record_buffer& buffer, display_context
 /// there is no memory for a record.
 int receive_records(int socket_fd, const stream_settings& settings, display_context& context);
 
-/// Reads a trace file, the octets of a version-1 session from its acknowledge on ("-": the standard input), and
-/// decodes its records. Returns 0 at its end or at a broken record; 1 when the acknowledge octet is missing, the
-/// standard output failed or there is no memory for a record. Ends the process when the file cannot be opened.
-int read_trace_file(const char* name, const trace_target& target, display_context& context);
-
 }  // namespace ifwatch

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/byte_order.h"
 #include "base/hex_dump.h"
 #include "base/print.h"
 #include "base/verbose.h"

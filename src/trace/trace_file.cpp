@@ -1,3 +1,5 @@
+#include "trace/trace_file.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -7,6 +9,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/byte_order.h"
 #include "base/print.h"
 #include "display/record_display.h"
 #include "trace/element.h"

@@ -1,6 +1,6 @@
 #include "trace/trace_target.h"
 
-#include "trace/element.h"
+#include "base/byte_order.h"
 
 namespace ifwatch {
 

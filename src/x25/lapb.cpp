@@ -58,7 +58,7 @@ int dump_information_field(octets frame, int frame_type) {
 }
 
 /// Prints what follows the address and returns the octets of the header.
-int print_control(octets frame, const link_header& header, display_context& context) {
+int print_control(octets frame, const lapb_header& header, display_context& context) {
     const int numbered_length = context.lapb_mod128 != 0 ? HEADER_LENGTH + 1 : HEADER_LENGTH;
     const int control = header.control;
     if ((control & 1) == 0) {
@@ -85,10 +85,10 @@ int print_control(octets frame, const link_header& header, display_context& cont
 
 }  // namespace
 
-link_header read_link_header(octets frame, bool modulo128) {
+lapb_header read_lapb_header(octets frame, bool modulo128) {
     const int control_at = (frame[0] & 1) != 0 ? 1 : 2;
     const int control = frame[control_at];
-    link_header header{.address = lapb_address(frame), .control = control};
+    lapb_header header{.address = lapb_address(frame), .control = control};
     if (modulo128) {
         const int next = frame[control_at + 1];
         header.ns = control >> 1;
@@ -103,10 +103,10 @@ link_header read_link_header(octets frame, bool modulo128) {
 }
 
 int dump_lapb_frame(octets frame, display_context& context) {
-    return print_lapb_control(frame, read_link_header(frame, context.lapb_mod128 != 0), context);
+    return print_lapb_control(frame, read_lapb_header(frame, context.lapb_mod128 != 0), context);
 }
 
-int print_lapb_control(octets frame, const link_header& header, display_context& context) {
+int print_lapb_control(octets frame, const lapb_header& header, display_context& context) {
     print<"\tA=%4X  ">(header.address & 0x7FF);
     const int length = print_control(frame, header, context);
     print<"\n">();

@@ -16,7 +16,7 @@ struct display_context;
 // sequence numbers and P/F of every frame, U frames included, are read from the octet behind the control octet.
 
 /// The fields of a link header, as read from the frame. `address` is printed with its low 11 bits.
-struct link_header {
+struct lapb_header {
     int address = 0;
     int control = 0;
     int nr = 0;
@@ -25,7 +25,7 @@ struct link_header {
 };
 
 /// Reads a link header; octets that are not held count as 0.
-[[nodiscard]] link_header read_link_header(octets frame, bool modulo128);
+[[nodiscard]] lapb_header read_lapb_header(octets frame, bool modulo128);
 
 /// Prints the layer-2 line of a LAPB or X.75 frame, with the information field of an FRMR or XID frame, and follows
 /// the modulus in `context`. Returns the octets of the layer-2 header: 2, or 3 for an I or S frame in modulo 128 (the
@@ -35,6 +35,6 @@ int dump_lapb_frame(octets frame, display_context& context);
 
 /// Prints the same line from fields that the caller has read. The information field of FRMR and XID stands at
 /// `frame` + 2. An unknown control octet gets the line "Illegal B-Channel Message".
-int print_lapb_control(octets frame, const link_header& header, display_context& context);
+int print_lapb_control(octets frame, const lapb_header& header, display_context& context);
 
 }  // namespace ifwatch

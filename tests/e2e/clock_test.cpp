@@ -8,13 +8,13 @@
 #include <string>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "support/process.h"
 #include "support/programs.h"
 #include "support/scripted_daemon.h"
 #include "support/session_script.h"
 #include "support/temp_directory.h"
 #include "support/trace_records.h"
-#include "trace/element.h"
 
 namespace ifwatch::test {
 namespace {

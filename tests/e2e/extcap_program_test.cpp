@@ -6,7 +6,6 @@
 #include <poll.h>
 #include <signal.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -19,6 +18,7 @@
 
 #include "support/plugin.h"
 #include "support/process.h"
+#include "support/read_fifo.h"
 #include "support/scripted_daemon.h"
 #include "support/simulator.h"
 #include "support/temp_directory.h"
@@ -346,26 +346,11 @@ TEST_F(extcap_program, tells_what_it_cannot_write_to) {
 /// A plug-in that writes into a FIFO, and the reading end of it.
 class extcap_fifo : public extcap_program {
 protected:
-    std::string fifo = directory.file("fifo");
-    int reader = -1;
-
-    void SetUp() override {
-        ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-        reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-        ASSERT_GE(reader, 0);
-    }
-    void TearDown() override { close_reader(); }
-
-    void close_reader() {
-        if (reader >= 0) {
-            close(reader);
-            reader = -1;
-        }
-    }
+    read_fifo fifo{directory.file("fifo")};
 
     /// Waits for data or for the end of a writer. What is seen of it: POLLIN, POLLHUP.
     int wait_for(short events) const {
-        pollfd waiting = {reader, events, 0};
+        pollfd waiting = {fifo.fd(), events, 0};
         EXPECT_EQ(poll(&waiting, 1, PATIENCE_MS), 1) << "nothing was written";
         return waiting.revents;
     }
@@ -374,7 +359,7 @@ protected:
     bool read_part(std::string& all) const {
         wait_for(POLLIN);
         char part[4096];
-        const ssize_t count = read(reader, part, sizeof part);
+        const ssize_t count = read(fifo.fd(), part, sizeof part);
         all.append(part, static_cast<std::size_t>(count > 0 ? count : 0));
         return count > 0;
     }
@@ -391,14 +376,14 @@ protected:
 };
 
 TEST_F(extcap_fifo, is_opened_before_the_router_is_asked) {
-    const outcome got = run(plugin(capture_arguments(1, fifo)));
+    const outcome got = run(plugin(capture_arguments(1, fifo.name())));
     EXPECT_EQ(got.status, 1);
     EXPECT_EQ(got.errors, "ifwatch-extcap: router 127.0.0.1: connect (Connection refused)\n");
     EXPECT_NE(wait_for(POLLIN) & POLLHUP, 0) << "a hang-up is seen only when somebody had opened it";
 }
 
 TEST_F(extcap_fifo, is_opened_even_for_a_mistake) {
-    const outcome got = run(plugin({"--capture", "--extcap-interface", "other", "--fifo", fifo}));
+    const outcome got = run(plugin({"--capture", "--extcap-interface", "other", "--fifo", fifo.name()}));
     EXPECT_EQ(got.status, 2);
     EXPECT_EQ(got.errors,
               "ifwatch-extcap: --extcap-interface takes the interface 'ifwatch', not 'other' (--help tells more)\n");
@@ -407,7 +392,7 @@ TEST_F(extcap_fifo, is_opened_even_for_a_mistake) {
 
 TEST_F(extcap_fifo, gets_whole_blocks_up_to_a_termination) {
     simulator router({LAN_CASE}, {"--fault", "silence=2", "--once"});
-    process program(plugin(capture_arguments(router.port(), fifo)));
+    process program(plugin(capture_arguments(router.port(), fifo.name())));
     const std::size_t enough = size_without_statistics();
     std::string got;
     while (got.size() < enough && read_part(got)) {
@@ -428,7 +413,7 @@ TEST_F(extcap_fifo, stays_empty_when_terminated_before_the_router_answers) {
         asked.set_value();
         client.receive_all();
     });
-    process program(plugin(capture_arguments(daemon.port(), fifo)));
+    process program(plugin(capture_arguments(daemon.port(), fifo.name())));
     ASSERT_EQ(asked.get_future().wait_for(PATIENCE), std::future_status::ready);
     const outcome got = program.terminate();
     EXPECT_EQ(got.status, 0);
@@ -439,11 +424,11 @@ TEST_F(extcap_fifo, stays_empty_when_terminated_before_the_router_answers) {
 
 TEST_F(extcap_fifo, that_nobody_reads_does_not_hold_up_the_end) {
     const simulator router({LAN_CASE}, {"--loop", "0"});
-    process program(plugin(capture_arguments(router.port(), fifo)));
-    const int capacity = fcntl(reader, F_GETPIPE_SZ);
+    process program(plugin(capture_arguments(router.port(), fifo.name())));
+    const int capacity = fcntl(fifo.fd(), F_GETPIPE_SZ);
     const auto until = std::chrono::steady_clock::now() + PATIENCE;
     int waiting = 0;
-    while (ioctl(reader, FIONREAD, &waiting) == 0 && waiting < capacity * 3 / 4) {
+    while (ioctl(fifo.fd(), FIONREAD, &waiting) == 0 && waiting < capacity * 3 / 4) {
         ASSERT_LT(std::chrono::steady_clock::now(), until) << "the pipe is not filled";
         std::this_thread::sleep_for(1ms);
     }
@@ -454,9 +439,9 @@ TEST_F(extcap_fifo, that_nobody_reads_does_not_hold_up_the_end) {
 
 TEST_F(extcap_fifo, whose_reader_has_gone_ends_the_capture) {
     simulator router({LAN_CASE}, {"--loop", "0", "--once"});
-    process program(plugin(capture_arguments(router.port(), fifo)));
+    process program(plugin(capture_arguments(router.port(), fifo.name())));
     wait_for(POLLIN);
-    close_reader();
+    fifo.close_end();
     const outcome got = program.wait();
     EXPECT_EQ(got.status, 0);
     EXPECT_EQ(got.errors, "");
@@ -465,9 +450,9 @@ TEST_F(extcap_fifo, whose_reader_has_gone_ends_the_capture) {
 
 TEST_F(extcap_fifo, whose_reader_has_gone_ends_the_capture_of_a_silent_line) {
     simulator router({LAN_CASE}, {"--fault", "silence=0", "--once"});
-    process program(plugin(capture_arguments(router.port(), fifo)));
+    process program(plugin(capture_arguments(router.port(), fifo.name())));
     wait_for(POLLIN);
-    close_reader();
+    fifo.close_end();
     const outcome got = program.wait();
     EXPECT_EQ(got.status, 0);
     EXPECT_EQ(got.errors, "");

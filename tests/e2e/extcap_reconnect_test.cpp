@@ -1,12 +1,9 @@
 // The analyser's plug-in with a router that is not there, that closes at once, or that says nothing: what is tried
 // again, what is told, and what ends it.
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <signal.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -21,6 +18,7 @@
 #include "support/plugin.h"
 #include "support/process.h"
 #include "support/programs.h"
+#include "support/read_fifo.h"
 #include "support/scripted_daemon.h"
 #include "support/session_script.h"
 #include "support/simulator.h"
@@ -145,22 +143,9 @@ protected:
         asked.set_value();
         client.receive_all();
     }};
-    std::string fifo = directory.file("fifo");
-    int reader = -1;
+    read_fifo fifo{directory.file("fifo")};
 
-    void SetUp() override {
-        ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-        reader = open(fifo.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-        ASSERT_GE(reader, 0);
-    }
-    void TearDown() override { close_reader(); }
-    void close_reader() {
-        if (reader >= 0) {
-            close(reader);
-            reader = -1;
-        }
-    }
-    [[nodiscard]] command capture() const { return plugin(capture_arguments(router.port(), fifo, {}, "all")); }
+    [[nodiscard]] command capture() const { return plugin(capture_arguments(router.port(), fifo.name(), {}, "all")); }
     void wait_until_asked() { ASSERT_EQ(asked.get_future().wait_for(60s), std::future_status::ready); }
 };
 
@@ -175,7 +160,7 @@ TEST_F(extcap_silent_list, does_not_hold_up_the_stop) {
 TEST_F(extcap_silent_list, does_not_hold_a_capture_whose_reader_has_gone) {
     process program(capture());
     wait_until_asked();
-    close_reader();
+    fifo.close_end();
     const outcome got = program.wait();
     EXPECT_FALSE(got.timed_out);
     EXPECT_EQ(got.status, 0);

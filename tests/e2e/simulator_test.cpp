@@ -10,6 +10,7 @@
 #include <chrono>
 #include <thread>
 
+#include "base/byte_order.h"
 #include "support/tcp_peer.h"
 #include "trace/element.h"
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "support/process.h"
 #include "support/scripted_daemon.h"
 #include "support/session_script.h"

@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <ctime>
 
+#include "base/byte_order.h"
 #include "base/print.h"
 #include "display/record_display.h"
-#include "trace/element.h"
 
 namespace ifwatch::fuzz {
 

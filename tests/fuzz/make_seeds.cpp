@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "base/print.h"
 #include "cases/case_file.h"
 #include "cases/record_source.h"

@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <span>
 
+#include "base/byte_order.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
 #include "display_check.h"
-#include "trace/element.h"
 
 namespace {
 

@@ -12,12 +12,12 @@
 #include <span>
 #include <string>
 
+#include "base/byte_order.h"
 #include "base/print.h"
 #include "display/display_context.h"
 #include "display/record_display.h"
 #include "display_check.h"
 #include "read/report/report_run.h"
-#include "trace/element.h"
 
 namespace {
 

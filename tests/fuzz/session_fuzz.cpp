@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <span>
 
+#include "base/byte_order.h"
 #include "base/print.h"
 #include "base/verbose.h"
 #include "display/display_context.h"

@@ -25,6 +25,7 @@
 #include "support/trace_records.h"
 #include "support/words.h"
 #include "trace/record_stream.h"
+#include "trace/trace_file.h"
 
 namespace {
 

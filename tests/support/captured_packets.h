@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <span>
 #include <string>
@@ -7,6 +9,7 @@
 
 #include "capture/capture_reader.h"
 #include "support/octet_file.h"
+#include "support/ordered_octets.h"
 
 namespace ifwatch::test {
 
@@ -37,5 +40,20 @@ struct captured_packets {
     }
     explicit captured_packets(std::span<const std::uint8_t> file) : captured_packets(octet_file(file).fd()) {}
 };
+
+/// What a capture without a fault gives.
+template <class File>
+captured_packets parsed(const ordered_octets<File>& file) {
+    captured_packets result(file.octets());
+    EXPECT_EQ(result.end, capture::packet_read::END) << result.error;
+    return result;
+}
+
+/// What is wrong with a damaged one.
+inline std::string error_of(std::span<const std::uint8_t> file) {
+    const captured_packets result(file);
+    EXPECT_EQ(result.end, capture::packet_read::DAMAGED);
+    return result.error;
+}
 
 }  // namespace ifwatch::test

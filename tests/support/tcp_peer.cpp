@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/byte_order.h"
 #include "trace/element.h"
 
 namespace ifwatch::test {

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "support/octet_pipe.h"
 
 namespace ifwatch {

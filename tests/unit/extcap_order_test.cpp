@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "base/print.h"
 #include "cases/record_source.h"
 #include "extcap/record_inbox.h"

@@ -14,22 +14,12 @@ namespace ifwatch::capture {
 namespace {
 
 using test::captured_packets;
+using test::error_of;
+using test::parsed;
 using test::pcapng_octets;
 
 constexpr std::array<std::uint8_t, 3> THREE = {1, 2, 3};
 constexpr std::array<std::uint8_t, 6> SIX = {1, 2, 3, 4, 5, 6};
-
-captured_packets parsed(const pcapng_octets& file) {
-    captured_packets result(file.octets());
-    EXPECT_EQ(result.end, packet_read::END) << result.error;
-    return result;
-}
-
-std::string error_of(std::span<const std::uint8_t> file) {
-    const captured_packets result(file);
-    EXPECT_EQ(result.end, packet_read::DAMAGED);
-    return result.error;
-}
 
 TEST(pcapng_reader, reads_both_byte_orders) {
     for (const bool big_endian : {false, true}) {

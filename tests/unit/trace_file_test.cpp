@@ -13,7 +13,7 @@
 #include "support/captured_output.h"
 #include "support/octet_pipe.h"
 #include "support/replaced_descriptor.h"
-#include "trace/record_stream.h"
+#include "trace/trace_file.h"
 
 namespace ifwatch {
 namespace {

@@ -75,7 +75,7 @@ TEST(lapb, another_link_layer_prints_its_own_fields) {
     captured_output output;
     display_context context;
     bytes frame{0x42, 0x03, 0x10, 0x21};
-    const link_header header{.address = 0x42, .control = 0x10, .nr = 16, .ns = 8, .poll_final = 1};
+    const lapb_header header{.address = 0x42, .control = 0x10, .nr = 16, .ns = 8, .poll_final = 1};
     EXPECT_EQ(print_lapb_control(octets_of(frame), header, context), 2);
     EXPECT_EQ(output.take(), "\tA=  42  I    P/F=1 N(R)=16 N(S)=8 \n");
 }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "base/byte_order.h"
 #include "capture/channel_types.h"
-#include "trace/element.h"
 
 namespace ifwatch::capture {
 

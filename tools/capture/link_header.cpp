@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "trace/element.h"
+#include "base/byte_order.h"
 
 namespace ifwatch::capture {
 

@@ -4,13 +4,13 @@
 #include <array>
 #include <limits>
 
+#include "base/byte_order.h"
 #include "capture/channel_types.h"
 #include "capture/link_header.h"
 #include "capture/own_capture.h"
 #include "capture/packet_format.h"
 #include "capture/pcapng_blocks.h"
 #include "display/channel_display.h"
-#include "trace/element.h"
 #include "trace/record_buffer.h"
 
 namespace ifwatch::capture {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "trace/element.h"
+#include "base/byte_order.h"
 
 namespace ifwatch::capture {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "atm/l1_event.h"
+#include "base/byte_order.h"
 #include "base/format.h"
 #include "capture/channel_types.h"
 #include "capture/link_header.h"
@@ -11,8 +11,8 @@
 #include "capture/pcapng_blocks.h"
 #include "display/channel_display.h"
 #include "display/display_context.h"
+#include "display/l1_event.h"
 #include "lan/wlan_oid.h"
-#include "trace/element.h"
 
 namespace ifwatch::capture {
 

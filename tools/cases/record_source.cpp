@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "trace/element.h"
+#include "base/byte_order.h"
 
 namespace ifwatch::cases {
 

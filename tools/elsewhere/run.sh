@@ -15,7 +15,8 @@ case $system in
     debian-12) suite=bookworm kind=release ;;
     debian-13) suite=trixie kind=release ;;
     debian-testing) suite=testing kind=release ;;
-    s390x | i386 | armhf) suite=trixie kind=processor ;;
+    # One archive: of what is installed for two processors the versions must be the same, and updates come at other times.
+    s390x | i386 | armhf) suite=trixie kind=processor archive='deb http://deb.debian.org/debian trixie main' ;;
     *)
         echo "usage: ./dev elsewhere debian-12 | debian-13 | debian-testing | s390x | i386 | armhf" >&2
         exit 1

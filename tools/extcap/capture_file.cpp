@@ -6,8 +6,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/byte_order.h"
 #include "capture/own_capture.h"
-#include "trace/element.h"
 #include "trace/ifc_types.h"
 #include "trace/record_buffer.h"
 #include "trace/record_stream.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "trace/element.h"
+#include "base/byte_order.h"
 
 namespace ifwatch::extcap {
 

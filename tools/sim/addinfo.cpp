@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <span>
 
+#include "base/byte_order.h"
 #include "trace/element.h"
 
 namespace ifwatch::sim {

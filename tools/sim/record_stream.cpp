@@ -5,9 +5,9 @@
 #include <span>
 #include <vector>
 
+#include "base/byte_order.h"
 #include "capture/channel_types.h"
 #include "cases/record_source.h"
-#include "trace/element.h"
 
 namespace ifwatch::sim {
 

@@ -7,6 +7,7 @@
 #include <random>
 #include <span>
 
+#include "base/byte_order.h"
 #include "sim/addinfo.h"
 #include "sim/filter.h"
 #include "sim/record_stream.h"

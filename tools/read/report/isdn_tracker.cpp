@@ -19,7 +19,7 @@ bool is_from_user(octets frame) { return (frame[0] & 0x02) == 0; }
 bool take_lapd(isdn_tracker& tracker, const journal& about, const frame& what) {
     tracker.seen = true;
     const octets data = what.data;
-    const bool link_down = take_link_frame(tracker.links, about, what);
+    const bool link_down = take_lapd_frame(tracker.links, about, what);
     if (lapd_sapi(data) != SAPI_CALL_CONTROL || !lapd_carries_layer3(data)) {
         return link_down;
     }

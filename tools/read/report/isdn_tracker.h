@@ -4,13 +4,13 @@
 
 #include "read/report/call_tracker.h"
 #include "read/report/journal.h"
-#include "read/report/link_tracker.h"
+#include "read/report/lapd_tracker.h"
 
 namespace ifwatch::reporting {
 
 /// What a D-channel or the PABX carries: TEIs, data links, calls (ITU-T Q.921, Q.931; FTZ 1 TR 6).
 struct isdn_tracker {
-    link_tracker links;
+    lapd_tracker links;
     call_tracker calls;
     bool seen = false;
 };

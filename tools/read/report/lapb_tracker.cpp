@@ -49,7 +49,7 @@ bool is_in_order(lapb_tracker::numbering& own, int ns, int mask, const journal& 
     return in_order;
 }
 
-octets take_information(lapb_tracker& tracker, const journal& about, octets frame, const link_header& header) {
+octets take_information(lapb_tracker& tracker, const journal& about, octets frame, const lapb_header& header) {
     const int mask = tracker.modulo128 ? 127 : 7;
     const std::size_t direction = direction_of(frame);
     take_acknowledgement(tracker.directions[1 - direction], header.nr, mask);
@@ -81,7 +81,7 @@ lapb_news take_lapb_link(lapb_tracker& tracker, const journal& about, const fram
     if (!is_station(what.data[0]) || what.data.length < 2) {
         return news;
     }
-    const link_header header = read_link_header(what.data, tracker.modulo128);
+    const lapb_header header = read_lapb_header(what.data, tracker.modulo128);
     const int type = header.control & ~POLL_FINAL;
     const link_identity identity{.set_up_by = type == SABME ? "SABME" : "SABM"};
     news.link_down = take_link_control(tracker.links, about, what, identity, header.control);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "atm/l1_event.h"
+#include "display/l1_event.h"
 #include "read/report/page.h"
 
 namespace ifwatch::reporting {

@@ -21,7 +21,7 @@ struct tei_event {
 };
 
 /// The data links of one D-channel and the TEIs that they are on.
-struct link_tracker {
+struct lapd_tracker {
     static constexpr std::size_t MOST_TEI_EVENTS = 256;
 
     data_links links;
@@ -32,11 +32,11 @@ struct link_tracker {
 
 /// One LAPD frame that no call is in: its part in setting links up and down, and TEI management. Returns whether it
 /// took down a link that was up.
-bool take_link_frame(link_tracker& tracker, const journal& about, const frame& what);
+bool take_lapd_frame(lapd_tracker& tracker, const journal& about, const frame& what);
 
 /// What can only be said at the end. Nothing may be taken behind it.
-void finish_links(link_tracker& tracker, const journal& about);
+void finish_links(lapd_tracker& tracker, const journal& about);
 
-void print_links(const link_tracker& tracker, const journal& about);
+void print_links(const lapd_tracker& tracker, const journal& about);
 
 }  // namespace ifwatch::reporting

@@ -1,4 +1,4 @@
-#include "atm/l1_event.h"
+#include "display/l1_event.h"
 
 #include "base/hex_dump.h"
 #include "base/names.h"

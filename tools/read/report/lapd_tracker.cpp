@@ -1,4 +1,4 @@
-#include "read/report/link_tracker.h"
+#include "read/report/lapd_tracker.h"
 
 #include <string>
 
@@ -26,9 +26,9 @@ std::string times_text(int times) { return count_text(static_cast<std::uint64_t>
 
 // --- TEI management
 
-void add_tei_event(link_tracker& tracker, tei_event event) {
+void add_tei_event(lapd_tracker& tracker, tei_event event) {
     tracker.tei_waits = false;
-    if (tracker.teis.size() >= link_tracker::MOST_TEI_EVENTS) {
+    if (tracker.teis.size() >= lapd_tracker::MOST_TEI_EVENTS) {
         ++tracker.more_teis;
         return;
     }
@@ -43,7 +43,7 @@ void tell_no_tei(const tei_event& request, const journal& about) {
     }
 }
 
-void take_request(link_tracker& tracker, const journal& about, place at) {
+void take_request(lapd_tracker& tracker, const journal& about, place at) {
     if (tracker.tei_waits && elapsed(tracker.teis.back().last_try, at) >= SET_UP_PAUSE_MS) {
         tell_no_tei(tracker.teis.back(), about);
         tracker.tei_waits = false;
@@ -58,7 +58,7 @@ void take_request(link_tracker& tracker, const journal& about, place at) {
 }
 
 /// An answer to the request that waits, or one whose request was not seen.
-void take_answer(link_tracker& tracker, const journal& about, place at, kind what, int tei) {
+void take_answer(lapd_tracker& tracker, const journal& about, place at, kind what, int tei) {
     if (!tracker.tei_waits) {
         add_tei_event(tracker, {at, what, tei, 0, at, about.lost});
     } else {
@@ -74,7 +74,7 @@ void take_answer(link_tracker& tracker, const journal& about, place at, kind wha
     }
 }
 
-void take_management(link_tracker& tracker, const journal& about, const frame& what, octets message) {
+void take_management(lapd_tracker& tracker, const journal& about, const frame& what, octets message) {
     const int indicator = message[3] >> 1;
     switch (message[2]) {
         case IDENTITY_REQUEST:
@@ -124,7 +124,7 @@ void print_tei(section& rows, const tei_event& event) {
 
 }  // namespace
 
-bool take_link_frame(link_tracker& tracker, const journal& about, const frame& what) {
+bool take_lapd_frame(lapd_tracker& tracker, const journal& about, const frame& what) {
     const octets data = what.data;
     const int control = data[2];
     if (lapd_tei(data) == GROUP_TEI) {
@@ -145,14 +145,14 @@ bool take_link_frame(link_tracker& tracker, const journal& about, const frame& w
     return link_down;
 }
 
-void finish_links(link_tracker& tracker, const journal& about) {
+void finish_links(lapd_tracker& tracker, const journal& about) {
     finish_data_links(tracker.links, about);
     if (tracker.tei_waits) {
         tell_no_tei(tracker.teis.back(), about);
     }
 }
 
-void print_links(const link_tracker& tracker, const journal& about) {
+void print_links(const lapd_tracker& tracker, const journal& about) {
     section teis;
     for (const tei_event& event : tracker.teis) {
         print_tei(teis, event);
