@@ -41,7 +41,7 @@ struct record_header {
 };
 
 /// The whole state of the decoders: what the command line selects, what lives from record to record, and the record
-/// that is being shown. There is one for a run.
+/// that is being shown. There is one for a run, or for each interface of a capture.
 struct display_context {
     std::int32_t tei_filter = -1;   // -T; -1: none
     std::int32_t cref_filter = -1;  // -c; -1: none

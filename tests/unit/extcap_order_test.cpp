@@ -351,7 +351,7 @@ TEST_F(extcap_order, of_many_is_sorted_whenever_they_came) {
     for (std::int64_t now = 1000; now < 1040; ++now) {
         for (int i = 0; i < 6; ++i) {
             number = number * 37 % 251;
-            arrives(number % 3, number, now);
+            arrives(static_cast<std::size_t>(number % 3), number, now);
         }
     }
     write_all();

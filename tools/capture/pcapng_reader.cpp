@@ -164,7 +164,7 @@ bool pcapng_format::read_options(const open_block& block, std::span<const std::u
                    fail(block, "option " + std::to_string(code) + ": " + announced_and_held(length, options.size()));
         }
         take_option(code, options.first(length));
-        options = options.subspan(std::min<std::size_t>(padded(length), options.size()));
+        options = options.subspan(static_cast<std::size_t>(std::min<std::uint64_t>(padded(length), options.size())));
     }
     return true;
 }
@@ -271,7 +271,8 @@ bool pcapng_format::read_packet(open_block& block, captured_packet& packet) {
         return fail(block, announced_and_held(layout.captured, room));
     }
     if (block.whole) {
-        const std::uint64_t options_at = layout.front + padded(layout.captured);  // within: the body is padded, too
+        // Within: the body is padded, too.
+        const auto options_at = static_cast<std::size_t>(layout.front + padded(layout.captured));
         packet.data = block.body.subspan(layout.front, layout.captured);
         if (!read_packet_options(block, block.body.subspan(options_at), layout, packet)) {
             return false;
@@ -295,7 +296,8 @@ bool pcapng_format::read_large_packet(open_block& block, packet_layout& layout, 
     const std::uint64_t options_at = BLOCK_HEADER + layout.front + padded(layout.captured);
     const std::uint64_t skipped = stream().skip(options_at);
     const std::uint64_t length = block.total - BLOCK_TRAILER - options_at;
-    const auto options = stream().hold(std::min<std::uint64_t>(length, byte_stream::CAPACITY));
+    const auto options =
+        stream().hold(static_cast<std::size_t>(std::min<std::uint64_t>(length, byte_stream::CAPACITY)));
     if (!read_packet_options(block, options, layout, packet)) {
         return false;
     }

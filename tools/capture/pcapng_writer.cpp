@@ -30,7 +30,7 @@ public:
     }
 
     void put_octets(std::span<const std::uint8_t> octets) { block_.insert(block_.end(), octets.begin(), octets.end()); }
-    void pad() { block_.resize(padded(block_.size())); }
+    void pad() { block_.resize(static_cast<std::size_t>(padded(block_.size()))); }
 
     /// The upper half first, whatever the byte order.
     void put_time(std::uint64_t time) {

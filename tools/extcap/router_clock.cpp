@@ -78,7 +78,7 @@ void router_clock::begin_period(std::uint32_t stamp, const arrival& came) {
 
 std::uint64_t router_clock::time_of(std::uint64_t order) const {
     const auto now = static_cast<std::int64_t>(order & ((std::uint64_t{1} << TIME_BITS) - 1)) - TIME_ZERO;
-    const std::size_t number = std::min<std::size_t>(order >> TIME_BITS, periods_.size() - 1);
+    const std::size_t number = std::min(static_cast<std::size_t>(order >> TIME_BITS), periods_.size() - 1);
     return static_cast<std::uint64_t>(std::max<std::int64_t>(now + periods_[number].offset, 0));
 }
 

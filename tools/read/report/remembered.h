@@ -59,7 +59,7 @@ public:
 
     /// Whether this key is among those of the last few that are over.
     [[nodiscard]] bool ended_lately(const Key& key) const {
-        const std::size_t few = std::min<std::uint64_t>(finished_, FEW);
+        const auto few = static_cast<std::size_t>(std::min<std::uint64_t>(finished_, FEW));
         return std::find(ended_.begin(), ended_.begin() + static_cast<std::ptrdiff_t>(few), key) !=
                ended_.begin() + static_cast<std::ptrdiff_t>(few);
     }
@@ -171,7 +171,7 @@ private:
             std::memcpy(&part, reinterpret_cast<const char*>(&key) + done, std::min(sizeof part, sizeof(Key) - done));
             hash = (hash ^ part ^ hash >> 32) * factor_;
         }
-        return buckets_[hash >> (64 - std::bit_width(buckets_.size() - 1))];
+        return buckets_[static_cast<std::size_t>(hash >> (64 - std::bit_width(buckets_.size() - 1)))];
     }
 
     int index_of(const Key& key) {
