@@ -4,8 +4,8 @@
 
 namespace ifwatch {
 
-// Integers as they lie in messages and files, for what writes them or reads them at fixed places. What a decoder reads of a
-// frame goes through base/octets.h.
+// Integers as they lie in messages and files, for what writes them or reads them at fixed places. What a decoder reads
+// of a frame goes through base/octets.h.
 
 [[nodiscard]] constexpr std::uint16_t swap16(std::uint16_t value) {
     return static_cast<std::uint16_t>(value >> 8 | value << 8);

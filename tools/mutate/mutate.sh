@@ -7,7 +7,7 @@ set -eu
 
 WORK=build/mutate  # of which tree/ and built/ are the copy and its build, clean/ the build without a change
 MIN_NOTICED=98     # per cent
-TIME_LIMIT=60      # seconds, for a test: a change may make it loop
+TIME_LIMIT=180     # seconds, for a test: a change may make it loop
 SIZE_LIMIT=8000000 # of a process, in kB, and of a file, in half kB: a change may make it print without end
 
 count=${1:-300}
@@ -131,6 +131,10 @@ report() {
     status=$?
     trap '' INT TERM
     trap - EXIT
+    [ "$number" -ge "$count" ] || {
+        echo "mutate: $number of $count changes were tried" >&2
+        status=1
+    }
     [ ! -s "$results" ] || awk -v seed="$seed" -v wanted="$MIN_NOTICED" -f "$tools/summary.awk" "$results" || status=1
     exit "$status"
 }
@@ -138,13 +142,13 @@ report() {
 copy_tree
 echo "seed $seed"
 build_clean
-trap 'exit 130' INT TERM
-trap report EXIT
-(cd "$WORK/tree" && find src -name '*.cpp' -o -name '*.h' | sort |
+(cd "$WORK/tree" && find src -name '*.cpp' -o -name '*.h' | LC_ALL=C sort |
     xargs awk -v same="$tools/same.tsv" -f "$tools/places.awk") |
     awk -v seed="$seed" -f "$tools/choose.awk" >"$WORK/changes.tsv"
 number=0
 : >"$results"
+trap 'exit 130' INT TERM
+trap report EXIT
 while [ "$number" -lt "$count" ] && IFS='	' read -r file line column old new; do
     try_change "$file" "$line" "$column" "$old" "$new" </dev/null
 done <"$WORK/changes.tsv"
