@@ -63,7 +63,7 @@ pid_t start(const std::vector<std::string>& command, const streams& standard) {
     std::vector<char*> arguments;
     arguments.reserve(command.size() + 1);
     for (const std::string& word : command) {
-        arguments.push_back(const_cast<char*>(word.c_str()));  // NOLINT(*-const-cast): what posix_spawn asks for
+        arguments.push_back(const_cast<char*>(word.c_str()));  // what posix_spawn asks for
     }
     arguments.push_back(nullptr);
     posix_spawn_file_actions_t actions;

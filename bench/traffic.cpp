@@ -76,7 +76,7 @@ private:
     direction next_direction();
     std::size_t mixed_length();
 
-    std::mt19937 random_{1};  // NOLINT(*-msc51-cpp): the same in every run
+    std::mt19937 random_{1};  // the same in every run
     std::array<std::array<end_point, 2>, 64> conversations_{};
 };
 
@@ -328,11 +328,16 @@ bool read_arguments(std::span<char*> arguments, std::string_view usage, feeding&
         what.number = std::strtoul(arguments[2], nullptr, 10);
         arguments = arguments.subspan(2);
     }
-    const bool known = what.option.empty() || usage.find(what.option) != std::string_view::npos;
+    const bool known = what.option.empty() ||
+                       usage.find("[" + std::string(what.option) + " ") != std::string_view::npos ||
+                       usage.find("| " + std::string(what.option) + " ") != std::string_view::npos;
     std::string error = "usage: " + std::string(usage);
-    if (arguments.size() == 3 && known && find_traffic(arguments[2], what.block, error)) {
-        what.count = std::strtoul(arguments[1], nullptr, 10);
-        return true;
+    if (arguments.size() == 3 && known) {
+        if (find_traffic(arguments[2], what.block, error)) {
+            what.count = std::strtoul(arguments[1], nullptr, 10);
+            return true;
+        }
+        error = std::string(usage.substr(0, usage.find(' '))) + ": " + error;
     }
     static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
     return false;

@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -322,17 +323,23 @@ struct refused_line {
     std::string error;
 };
 
+void expect_refusals(std::span<const refused_line> mistakes) {
+    for (const auto& [arguments, error] : mistakes) {
+        const outcome refused = run_sim(arguments);
+        EXPECT_EQ(refused.status, 2) << error;
+        EXPECT_EQ(refused.errors, "ifwatch-sim: " + error + "\n");
+        EXPECT_EQ(refused.output, "");
+    }
+}
+
 TEST(import_capture, names_mistakes_in_one_line) {
     const temp_directory directory;
     const std::string lan = directory.write("lan.pcap", pcap_octets().header(1).text());
     const std::string ng = directory.write("new.pcapng", pcap_octets().word(0x0A0D0D0A).text());
     const std::string cut = directory.write("cut.pcap", pcap_octets().header(1).word(0).text());
     const std::string bad = directory.write("bad.case", "channel 6\nrecord Q 1\n");
-    const std::string pabx = directory.write("pabx.case", "\nchannel -2\n");
-    const std::string fax = directory.write("fax.case", "channel 1\noptions -F\noptions -p\n");
     const std::string strange = directory.file("a\nb");
     const std::string import_help = " (import --help tells more)";
-    const std::string export_help = " (export --help tells more)";
     const refused_line mistakes[] = {
         {{"import"}, "import: no file given" + import_help},
         {{"import", lan, cut}, "import: one file at a time, not also '" + cut + "'" + import_help},
@@ -357,6 +364,17 @@ TEST(import_capture, names_mistakes_in_one_line) {
         {{"import", strange}, directory.path() + "/a\\nb: No such file or directory"},
         {{"import", lan, "-o", directory.file("no/file")}, directory.file("no/file") + ": No such file or directory"},
         {{"import", lan, "-o", "/dev/full"}, "/dev/full: No space left on device"},
+    };
+    expect_refusals(mistakes);
+}
+
+TEST(export_capture, names_mistakes_in_one_line) {
+    const temp_directory directory;
+    const std::string bad = directory.write("bad.case", "channel 6\nrecord Q 1\n");
+    const std::string pabx = directory.write("pabx.case", "\nchannel -2\n");
+    const std::string fax = directory.write("fax.case", "channel 1\noptions -F\noptions -p\n");
+    const std::string export_help = " (export --help tells more)";
+    const refused_line mistakes[] = {
         {{"export"}, "export: no file given" + export_help},
         {{"export", bad, "--sent", "all"}, "export: unknown option '--sent'" + export_help},
         {{"export", bad, "-l", "65536"},
@@ -366,12 +384,7 @@ TEST(import_capture, names_mistakes_in_one_line) {
         {{"export", fax},
          fax + ":1: no link type fits channel type 1 (ISDN B-channel) with these options; name one with --link-type"},
     };
-    for (const auto& [arguments, error] : mistakes) {
-        const outcome refused = run_sim(arguments);
-        EXPECT_EQ(refused.status, 2) << error;
-        EXPECT_EQ(refused.errors, "ifwatch-sim: " + error + "\n");
-        EXPECT_EQ(refused.output, "");
-    }
+    expect_refusals(mistakes);
 }
 
 TEST(import_capture, helps) {

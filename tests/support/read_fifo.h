@@ -1,11 +1,12 @@
 #pragma once
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace ifwatch::test {
@@ -14,9 +15,12 @@ namespace ifwatch::test {
 class read_fifo {
 public:
     explicit read_fifo(std::string name) : name_(std::move(name)) {
-        EXPECT_EQ(mkfifo(name_.c_str(), 0600), 0) << name_;
-        fd_ = open(name_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-        EXPECT_GE(fd_, 0) << name_;
+        if (mkfifo(name_.c_str(), 0600) == 0) {
+            fd_ = open(name_.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        }
+        if (fd_ < 0) {
+            throw std::system_error(errno, std::generic_category(), name_);
+        }
     }
     ~read_fifo() { close_end(); }
     read_fifo(const read_fifo&) = delete;

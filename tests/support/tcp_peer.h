@@ -28,13 +28,11 @@ public:
     /// Breaks the connection off: the peer's next read or write fails. What it has not read yet stays readable.
     void reset() const;
 
-    // NOLINTBEGIN(modernize-use-nodiscard): octets that mean nothing to a test are only read away
     /// The next `n` octets; fewer when the peer closes before.
     std::vector<std::uint8_t> receive(std::size_t n) const;
 
     /// Everything up to the peer's end of the stream.
     std::vector<std::uint8_t> receive_all() const;
-    // NOLINTEND(modernize-use-nodiscard)
 
     /// Whether nothing arrives, and the connection stays, for so long.
     [[nodiscard]] bool silent_for(int milliseconds) const;

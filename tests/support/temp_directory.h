@@ -18,7 +18,7 @@ public:
     [[nodiscard]] std::string file(const std::string& name) const { return path_ + "/" + name; }
 
     /// Writes a file into it and returns its path, for those who want it.
-    std::string write(const std::string& name, const std::string& text) const;  // NOLINT(modernize-use-nodiscard)
+    std::string write(const std::string& name, const std::string& text) const;
 
 private:
     std::string path_;

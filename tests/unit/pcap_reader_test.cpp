@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
 
 #include "capture/pcap_writer.h"
 #include "support/captured_packets.h"

@@ -8,7 +8,6 @@
 
 namespace ifwatch::capture {
 
-// NOLINTNEXTLINE(modernize-avoid-c-arrays): the array that a unique_ptr owns
 byte_stream::byte_stream(int fd, bool (*before_read)())
     : fd_(fd), before_read_(before_read), buffer_(new std::uint8_t[CAPACITY]) {}
 

@@ -92,11 +92,11 @@ packet_read pcap_format::read_packet(captured_packet& packet) {
 
 /// Gets the octets of a packet whose header is held.
 packet_read pcap_format::fill(captured_packet& packet, std::uint32_t captured, std::uint32_t original) {
-    const std::size_t whole = PACKET_HEADER + std::size_t{captured};
+    const std::uint64_t whole = PACKET_HEADER + std::uint64_t{captured};
     std::span<std::uint8_t> octets;
     std::uint64_t held = 0;
     if (whole <= byte_stream::CAPACITY) {
-        octets = stream().hold(whole).subspan(PACKET_HEADER);
+        octets = stream().hold(static_cast<std::size_t>(whole)).subspan(PACKET_HEADER);
         held = octets.size();
         behind_ = whole;
     } else {

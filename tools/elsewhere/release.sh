@@ -15,7 +15,7 @@ fresh_root root
 both_commands root
 step package root './dev package'
 step install root 'apt-get install -y ./build/packages/ifwatch_*.deb'
-step installed root 'tools/with_router.sh /usr/bin ifwatch -i 127.0.0.1 1000 && ifwatch-extcap --extcap-interfaces'
+step installed root 'tools/with_router.sh /usr/bin ifwatch -i 127.0.0.1 1000 && ifwatch-extcap --extcap-interfaces && ifwatch-read samples/dial-in.pcapng'
 step purge root 'apt-get purge -y ifwatch && ! find / -xdev -path "$PWD" -prune -o -name "*ifwatch*" -print | grep .'
 step lintian root 'apt-get install -y --no-install-recommends lintian && ctest --preset release -R package/lintian --no-tests=error'
 step clang root "apt-get install -y --no-install-recommends clang libclang-rt-dev libbenchmark-dev && $(compile_with clang++ clang)"
@@ -23,8 +23,8 @@ compilers="g++ $(version 'g++ -dumpfullversion'), clang $(version 'clang++ --ver
 if [ "$system" = debian-testing ]; then
     newest_gcc=$(inside root "apt-cache --names-only search '^g\+\+-[0-9]+\$'" | sort -V | tail -n 1 | cut -d ' ' -f 1)
     newest_clang=$(inside root "apt-cache --names-only search '^clang-[0-9]+\$'" | sort -V | tail -n 1 | cut -d ' ' -f 1)
-    step newest-gcc root "apt-get install -y --no-install-recommends $newest_gcc && $(compile_with "$newest_gcc" newest-gcc)"
-    step newest-clang root "apt-get install -y --no-install-recommends $newest_clang libclang-rt-${newest_clang#clang-}-dev &&
+    step newest-gcc root "apt-get install -y --no-install-recommends ${newest_gcc:?} && $(compile_with "$newest_gcc" newest-gcc)"
+    step newest-clang root "apt-get install -y --no-install-recommends ${newest_clang:?} libclang-rt-${newest_clang#clang-}-dev &&
         $(compile_with "clang++-${newest_clang#clang-}" newest-clang)"
     compilers="$compilers, $newest_gcc, $newest_clang"
 fi

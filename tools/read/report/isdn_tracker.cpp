@@ -37,14 +37,14 @@ bool take_pabx(isdn_tracker& tracker, const journal& about, const frame& what) {
 }
 
 void finish_isdn(isdn_tracker& tracker, const journal& about) {
-    finish_links(tracker.links, about);
+    finish_lapd(tracker.links, about);
     finish_calls(tracker.calls, about);
 }
 
 bool isdn_was_seen(const isdn_tracker& tracker) { return tracker.seen; }
 
 void print_isdn_section(const isdn_tracker& tracker, const journal& about) {
-    print_links(tracker.links, about);
+    print_lapd_section(tracker.links, about);
     print_calls(tracker.calls, about);
 }
 

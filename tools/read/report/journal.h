@@ -17,8 +17,7 @@ struct place {
     std::uint32_t number = 0;
 
     [[nodiscard]] constexpr bool operator==(const place&) const = default;
-    [[nodiscard]] constexpr auto operator<=>(const place&) const =
-        default;  // NOLINT(modernize-use-nullptr): of the compiler
+    [[nodiscard]] constexpr auto operator<=>(const place&) const = default;
 };
 
 /// Milliseconds from one record to another; 0 where the clock was set back between them.

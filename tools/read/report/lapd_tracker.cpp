@@ -145,14 +145,14 @@ bool take_lapd_frame(lapd_tracker& tracker, const journal& about, const frame& w
     return link_down;
 }
 
-void finish_links(lapd_tracker& tracker, const journal& about) {
+void finish_lapd(lapd_tracker& tracker, const journal& about) {
     finish_data_links(tracker.links, about);
     if (tracker.tei_waits) {
         tell_no_tei(tracker.teis.back(), about);
     }
 }
 
-void print_links(const lapd_tracker& tracker, const journal& about) {
+void print_lapd_section(const lapd_tracker& tracker, const journal& about) {
     section teis;
     for (const tei_event& event : tracker.teis) {
         print_tei(teis, event);

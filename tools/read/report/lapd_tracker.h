@@ -35,8 +35,8 @@ struct lapd_tracker {
 bool take_lapd_frame(lapd_tracker& tracker, const journal& about, const frame& what);
 
 /// What can only be said at the end. Nothing may be taken behind it.
-void finish_links(lapd_tracker& tracker, const journal& about);
+void finish_lapd(lapd_tracker& tracker, const journal& about);
 
-void print_links(const lapd_tracker& tracker, const journal& about);
+void print_lapd_section(const lapd_tracker& tracker, const journal& about);
 
 }  // namespace ifwatch::reporting
