@@ -283,6 +283,7 @@ TEST(IsdnWords, OfBearerAndCompatibilityElements) {
     EXPECT_EQ(information_capability_name(octets_of(low_layer)).view(), "unrestrict. digital info");
     std::array<std::uint8_t, 4> bearer{0x04, 0x02, 0x88, 0x90};
     EXPECT_FALSE(layer2_protocol_name(octets_of(bearer)));
+    EXPECT_FALSE(information_capability_name(octets_of(bearer).cut(2))) << "an element without contents";
     std::array<std::uint8_t, 4> high_layer{0x7D, 0x02, 0x91, 0x81};
     EXPECT_EQ(high_layer_name(octets_of(high_layer)).view(), "Telephony");
 }
