@@ -32,7 +32,7 @@ fresh_root() {
     # The sources may be somebody else's; git is told by the configuration of a home folder of its own.
     mkdir -p "$work/home"
     printf '[safe]\n\tdirectory = *\n' >"$work/home/.gitconfig"
-    HOME=$work/home git clone --quiet . "$root$home/ifwatch"
+    HOME=$work/home git -c advice.detachedHead=false clone --quiet . "$root$home/ifwatch"
     chroot "$root" chown -R "$1:" "$home/ifwatch"
     tree=$home/ifwatch
 }
@@ -42,7 +42,8 @@ inside() {
     command="cd $tree && $2"
     if [ -n "${ELSEWHERE_CCACHE:-}" ]; then
         caching="CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_DIR=/ccache CCACHE_BASEDIR=$tree CCACHE_NOHASHDIR=1"
-        command="export $caching CCACHE_SLOPPINESS=pch_defines,time_macros; $command"
+        caching="$caching CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_UMASK=000" # for both users
+        command="export $caching; $command"
     fi
     unshare --mount --pid --fork --kill-child "$here/inside.sh" "$root" "$debs" "$1" "$command" </dev/null
 }
