@@ -53,8 +53,8 @@ TEST(process, does_not_wait_for_what_the_program_left_behind) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
-/// Whether a vfork()ed child writes into the memory of its parent, as posix_spawn needs it to tell an error. An emulator
-/// may give it memory of its own.
+/// Whether a vfork()ed child writes into the memory of its parent, as posix_spawn needs it to tell an error. An
+/// emulator may give it memory of its own.
 bool child_shares_memory() {
     volatile bool written = false;
     const pid_t child = vfork();
