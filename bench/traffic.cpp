@@ -329,15 +329,15 @@ bool read_arguments(std::span<char*> arguments, std::string_view usage, feeding&
         arguments = arguments.subspan(2);
     }
     const bool known = what.option.empty() ||
-                       usage.find("[" + std::string(what.option) + " ") != std::string_view::npos ||
-                       usage.find("| " + std::string(what.option) + " ") != std::string_view::npos;
-    std::string error = "usage: " + std::string(usage);
+                       (what.option.starts_with("--") && usage.find(what.option) != std::string_view::npos);
+    std::string error("usage: ");
+    error.append(usage);
     if (arguments.size() == 3 && known) {
         if (find_traffic(arguments[2], what.block, error)) {
             what.count = std::strtoul(arguments[1], nullptr, 10);
             return true;
         }
-        error = std::string(usage.substr(0, usage.find(' '))) + ": " + error;
+        error.insert(0, std::string(usage.substr(0, usage.find(' '))).append(": "));
     }
     static_cast<void>(std::fprintf(stderr, "%s\n", error.c_str()));
     return false;
