@@ -328,8 +328,8 @@ bool read_arguments(std::span<char*> arguments, std::string_view usage, feeding&
         what.number = std::strtoul(arguments[2], nullptr, 10);
         arguments = arguments.subspan(2);
     }
-    const bool known = what.option.empty() ||
-                       (what.option.starts_with("--") && usage.find(what.option) != std::string_view::npos);
+    const bool known =
+        what.option.empty() || (what.option.starts_with("--") && usage.find(what.option) != std::string_view::npos);
     std::string error("usage: ");
     error.append(usage);
     if (arguments.size() == 3 && known) {
