@@ -69,12 +69,10 @@ int make_way(const char* name, bool chosen) {
 /// or pipe of this user's own under no other name (or under none: its reader may be quick to remove it).
 bool is_ours(int fd) {
     struct stat file {};
-    if (fstat(fd, &file) != 0) {
-        return false;
-    }
+    const bool known = fstat(fd, &file) == 0;
     const bool own =
         file.st_uid == geteuid() && file.st_nlink <= 1 && (S_ISREG(file.st_mode) || S_ISFIFO(file.st_mode));
-    return own || S_ISCHR(file.st_mode) || S_ISBLK(file.st_mode) || is_standard_stream(file);
+    return known && (own || S_ISCHR(file.st_mode) || S_ISBLK(file.st_mode) || is_standard_stream(file));
 }
 
 bool create_pipe(const char* name) {
