@@ -14,7 +14,8 @@ system=${1:-}
 case $system in
     debian-12) suite=bookworm kind=release ;;
     debian-13) suite=trixie kind=release ;;
-    debian-testing) suite=testing kind=release ;;
+    # Its lists are good for a week, and a mirror may be further behind.
+    debian-testing) suite=testing kind=release apt_option='Acquire::Check-Valid-Until false' ;;
     # One archive: of what is installed for two processors the versions must be the same, and updates come at other times.
     s390x | i386 | armhf) suite=trixie kind=processor archive='deb http://deb.debian.org/debian trixie main' ;;
     *)

@@ -10,8 +10,8 @@ make_bare_root() {
     say "a bare root of $suite"
     more=''
     [ -z "${ELSEWHERE_CCACHE:-}" ] || more=,ccache
-    mmdebstrap --quiet --variant=minbase --include="ca-certificates,git,sudo$more" "$suite" "$work/bare.tar" ${archive:+"$archive"} \
-        >"$work/bare-root.txt" 2>&1 || {
+    mmdebstrap --variant=minbase ${apt_option:+--aptopt="$apt_option"} --include="ca-certificates,git,sudo$more" \
+        "$suite" "$work/bare.tar" ${archive:+"$archive"} >"$work/bare-root.txt" 2>&1 || {
         tail -n 20 "$work/bare-root.txt"
         echo "elsewhere: no root of $suite could be made" >&2
         exit 1
