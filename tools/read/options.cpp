@@ -53,9 +53,12 @@ constexpr foreign_option FOREIGN_OPTIONS[] = {
 std::string describe_unknown(const std::string& word) {
     const std::string name =
         optopt != 0 ? std::string("-") + static_cast<char>(optopt) : word.substr(0, word.find('='));
-    const auto* const foreign = std::ranges::find(FOREIGN_OPTIONS, name, &foreign_option::name);
-    return foreign != std::end(FOREIGN_OPTIONS) ? name + " " + foreign->reason
-                                                : "unknown option " + on_one_line(in_quotes(name));
+    for (const foreign_option& foreign : FOREIGN_OPTIONS) {
+        if (name == foreign.name) {
+            return name + " " + foreign.reason;
+        }
+    }
+    return "unknown option " + on_one_line(in_quotes(name));
 }
 
 /// Takes the decoder options out of the words, as ifwatch does, and leaves the files. The problem, if there is one.
