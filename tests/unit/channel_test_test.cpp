@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -32,6 +33,18 @@ TEST(channel_test, a_router_that_goes_away_answers_no_probe) {
         refusals += "ERROR connect (Connection refused)\n";
     }
     EXPECT_EQ(testing::internal::GetCapturedStderr(), refusals);
+}
+
+TEST(channel_test, fails_when_the_router_cannot_be_reached) {
+    std::uint16_t free_port = 0;
+    {
+        const test::scripted_daemon gone([](const test::tcp_peer&) {});
+        free_port = static_cast<std::uint16_t>(gone.port());
+    }
+    testing::internal::CaptureStderr();
+    trace_target target;
+    EXPECT_EQ(channel_test({.host = "127.0.0.1", .port = free_port}, target), 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "ERROR connect (Connection refused)\n");
 }
 
 }  // namespace

@@ -7,7 +7,8 @@ set -eu
 
 WORK=build/mutate  # of which tree/ and built/ are the copy and its build, clean/ the build without a change
 MIN_NOTICED=98     # per cent
-TIME_LIMIT=180     # seconds, for a test: a change may make it loop
+TIME_LIMIT=180     # seconds, for a test: a change may make it wait
+BUSY_LIMIT=30      # seconds of a processor, for a process but the replay's: a change may make it loop
 SIZE_LIMIT=8000000 # of a process, in kB, and of a file, in half kB: a change may make it print without end
 
 count=${1:-300}
@@ -54,9 +55,9 @@ build_changed() { cmake --build "$WORK/built" --target "$@"; }
 run_tests() (
     ulimit -f "$SIZE_LIMIT"
     export ASAN_OPTIONS=hard_rss_limit_mb=2000
-    # The sanitizers of the replay take addresses without end.
-    # shellcheck disable=SC3045 # dash and bash, which are the /bin/sh of Linux, have it
-    [ "$1" = replay ] || ulimit -v "$SIZE_LIMIT"
+    # The replay takes long, and its sanitizers addresses without end.
+    # shellcheck disable=SC3045 # dash and bash, which are the /bin/sh of Linux, have these
+    [ "$1" = replay ] || { ulimit -v "$SIZE_LIMIT" && ulimit -t "$BUSY_LIMIT"; }
     cd "$WORK/built"
     if [ "$1" = unit ]; then # all in one process: a tenth of the time
         run_unit_tests || run_unit_tests
