@@ -10,6 +10,7 @@ MIN_NOTICED=98     # per cent
 TIME_LIMIT=180     # seconds, for a test: a change may make it wait
 BUSY_LIMIT=30      # seconds of a processor, for a process but the replay's: a change may make it loop
 SIZE_LIMIT=8000000 # of a process, in kB, and of a file, in half kB: a change may make it print without end
+FAILED_TESTS=Testing/Temporary/LastTestsFailed.log # none when what a test printed was more than ctest could hold
 
 count=${1:-300}
 seed=${2:-$(date +%s)}
@@ -62,7 +63,7 @@ run_tests() (
     if [ "$1" = unit ]; then # all in one process: a tenth of the time
         run_unit_tests || run_unit_tests
     else
-        run_pattern "$2" || { ctest --rerun-failed --timeout "$TIME_LIMIT" && run_pattern "$2"; }
+        run_pattern "$2" || { [ -s "$FAILED_TESTS" ] && ctest --rerun-failed --timeout "$TIME_LIMIT" && run_pattern "$2"; }
     fi
 )
 
