@@ -2,10 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
+#include "display/mode_flags.h"
 #include "isdn/call_reference.h"
 #include "isdn/lapd.h"
+#include "isdn/pabx.h"
+#include "support/captured_output.h"
 
 namespace ifwatch {
 namespace {
@@ -56,6 +60,28 @@ TEST(message_callref, is_minus_1_where_there_is_none) {
     EXPECT_EQ(callref_of({0x02, 0x81, 0x01, 0x08, 0x01, 0x03}), -1);
     EXPECT_EQ(callref_of({0x02, 0x81, 0x63, 0x08, 0x01, 0x03}), -1);
     EXPECT_EQ(callref_of({}), -1);
+}
+
+// A TEI and a call reference to look for, without the mode that says so.
+TEST(dump_dchannel, filters_only_when_the_mode_asks_for_it) {
+    frame release = {0x02, 0x81, 0x00, 0x00, 0x08, 0x01, 0x03, 0x4D};  // TEI 64, call reference 3
+    captured_output output;
+    dump_dchannel(octets_of(release), MODE_LAYER2_ASKED | MODE_LAYER3_ASKED, -1, -1, 0);
+    const std::string everything = output.take();
+    dump_dchannel(octets_of(release), MODE_LAYER2_ASKED | MODE_LAYER3_ASKED, 65, 4, 0);
+    EXPECT_EQ(output.take(), everything);
+    dump_dchannel(octets_of(release), MODE_LAYER2_ASKED | MODE_LAYER3_ASKED | MODE_TEI_FILTER | MODE_CREF_FILTER, 65, 4,
+                  0);
+    EXPECT_EQ(output.take(), "");
+}
+
+TEST(dump_pabx_message, filters_only_when_the_mode_asks_for_it) {
+    frame release = {0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x08, 0x01, 0x03, 0x4D};
+    captured_output output;
+    dump_pabx_message(octets_of(release), 0, -1, 4, 0);
+    EXPECT_NE(output.take(), "");
+    dump_pabx_message(octets_of(release), MODE_CREF_FILTER, -1, 4, 0);
+    EXPECT_EQ(output.take(), "");
 }
 
 TEST(call_reference, of_the_dummy_is_0) { EXPECT_EQ(reference({0x08, 0x00, 0x05}), 0); }
