@@ -1,6 +1,7 @@
 // The PCAP sinks: named pipes with real readers and analysers, plain files, what is removed and what stays, and how
 // signals end a run.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -345,6 +346,20 @@ TEST_F(pcap_file, may_be_the_standard_output) {
     EXPECT_EQ(got.status, 0);
     EXPECT_EQ(got.output, pcap_of(2));
     EXPECT_TRUE(S_ISLNK(mode_of(name)));
+}
+
+// A file of several names is written to when it is what the program was handed, and only then.
+TEST_F(pcap_file, may_be_a_standard_output_that_has_another_name) {
+    const std::string file = directory.write("file", "");
+    ASSERT_EQ(link(file.c_str(), directory.file("other").c_str()), 0);
+    ASSERT_EQ(symlink("/proc/self/fd/1", name.c_str()), 0);
+    const scripted_daemon daemon(serving(2));
+    command told = tracing(daemon, {"--pcap-file", option});
+    told.output_fd = open(file.c_str(), O_WRONLY | O_CLOEXEC);
+    const outcome got = run(told);
+    close(told.output_fd);
+    EXPECT_EQ(got.status, 0);
+    EXPECT_EQ(text_of(file), pcap_of(2));
 }
 
 TEST_F(pcap_file, a_device_that_is_full_ends_the_run_and_stays) {
