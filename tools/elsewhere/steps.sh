@@ -91,4 +91,4 @@ tests_of() {
 }
 
 # version COMMAND: the first version number that a command prints inside.
-version() { inside root "$1" 2>/dev/null | grep -o '[0-9][0-9]*\.[0-9][0-9.]*' | head -n 1; }
+version() { inside root "$1" 2>/dev/null | grep -oE '[0-9]+(\.[0-9]+)+' | head -n 1; }
