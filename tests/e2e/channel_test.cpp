@@ -14,7 +14,8 @@ namespace ifwatch::test {
 namespace {
 
 TEST(channel_test, prints_a_line_for_each_unit_that_answers) {
-    // Slot 2 has one unit with channels 0 and 1; slot 5 answers for units 0 and 1, channel 0 only.
+    // Slot 2 has one unit with channels 0 and 1, and answers for it as unit 20, so that unit 1 is not asked for; slot 5
+    // answers for units 0 and 1, channel 0 only.
     const scripted_daemon daemon([](const tcp_peer& client) {
         const auto request = client.receive(TRACE_REQUEST_OCTETS);
         if (request.size() < TRACE_REQUEST_OCTETS) {
@@ -23,7 +24,7 @@ TEST(channel_test, prints_a_line_for_each_unit_that_answers) {
         const int slot = request[7];
         const int unit = request[11];
         const int channel = request[15];
-        if ((slot == 2 && unit == 20) || (slot == 2 && unit == 0 && channel <= 1)) {
+        if ((slot == 2 && unit == 20) || (slot == 2 && unit <= 1 && channel <= 1)) {
             client.send({channel});
         } else if (slot == 5 && unit < 2 && channel == 0) {
             client.send({0xFE});
