@@ -322,14 +322,24 @@ bool find_traffic(std::string_view source, traffic& found, std::string& error) {
     return read_case(source, found, error);
 }
 
+namespace {
+
+/// Whether a usage, in which options are in brackets with a value behind them, has the option.
+bool has_option(std::string_view usage, std::string_view option) {
+    const std::size_t at = usage.find(option);
+    return option.starts_with("--") && at != std::string_view::npos &&
+           usage.substr(at + option.size()).starts_with(' ');
+}
+
+}  // namespace
+
 bool read_arguments(std::span<char*> arguments, std::string_view usage, feeding& what) {
     if (arguments.size() == 5) {
         what.option = arguments[1];
         what.number = std::strtoul(arguments[2], nullptr, 10);
         arguments = arguments.subspan(2);
     }
-    const bool known =
-        what.option.empty() || (what.option.starts_with("--") && usage.find(what.option) != std::string_view::npos);
+    const bool known = what.option.empty() || has_option(usage, what.option);
     std::string error("usage: ");
     error.append(usage);
     if (arguments.size() == 3 && known) {

@@ -348,7 +348,7 @@ TEST_F(pcap_file, may_be_the_standard_output) {
     EXPECT_TRUE(S_ISLNK(mode_of(name)));
 }
 
-// A file of several names is written to when it is what the program was handed, and only then.
+// Otherwise a file of several names is not written to.
 TEST_F(pcap_file, may_be_a_standard_output_that_has_another_name) {
     const std::string file = directory.write("file", "");
     ASSERT_EQ(link(file.c_str(), directory.file("other").c_str()), 0);
