@@ -68,6 +68,7 @@ TEST(dump_dchannel, filters_only_when_the_mode_asks_for_it) {
     captured_output output;
     dump_dchannel(octets_of(release), MODE_LAYER2_ASKED | MODE_LAYER3_ASKED, -1, -1, 0);
     const std::string everything = output.take();
+    EXPECT_NE(everything, "");
     dump_dchannel(octets_of(release), MODE_LAYER2_ASKED | MODE_LAYER3_ASKED, 65, 4, 0);
     EXPECT_EQ(output.take(), everything);
     dump_dchannel(octets_of(release), MODE_LAYER2_ASKED | MODE_LAYER3_ASKED | MODE_TEI_FILTER | MODE_CREF_FILTER, 65, 4,

@@ -58,7 +58,7 @@ run_tests() (
     export ASAN_OPTIONS=hard_rss_limit_mb=2000
     # The replay takes long, and its sanitizers addresses without end.
     # shellcheck disable=SC3045 # dash and bash, which are the /bin/sh of Linux, have these
-    [ "$1" = replay ] || { ulimit -v "$SIZE_LIMIT" && ulimit -t "$BUSY_LIMIT"; }
+    [ "$1" = replay ] || { ulimit -t "$BUSY_LIMIT"; ulimit -v "$SIZE_LIMIT"; }
     cd "$WORK/built"
     if [ "$1" = unit ]; then # all in one process: a tenth of the time
         run_unit_tests || run_unit_tests
@@ -71,7 +71,8 @@ run_unit_tests() { timeout "$TIME_LIMIT" ./unit_tests --gtest_fail_fast; }
 
 run_pattern() { ctest --no-tests=error --stop-on-failure --timeout "$TIME_LIMIT" -j "$jobs" -R "$1"; }
 
-# Whether the compiler made the same of it. What all programs but the start are made of is in the library.
+# Whether the compiler made the same of it, as of what only the tools make of a header of src/: no test that is run here
+# asks for that. All of ifwatch but the start is in the library.
 made_the_same() {
     for part in libifwatch_core.a CMakeFiles/ifwatch.dir/src/client/main.cpp.o; do
         cmp -s "$WORK/clean/$part" "$WORK/built/$part" || return 1

@@ -22,6 +22,7 @@ BEGIN {
     while ((getline row < same) > 0) {
         split(row, field, "\t")
         changes_nothing[field[1], field[2], field[3]] = 1
+        unseen[field[1], field[2], field[3]] = row
     }
 }
 
@@ -31,7 +32,8 @@ function place(column, old, new,    marked, count, choice, i, left) {
     left = ""
     count = new == "" ? 1 : split(new, choice, "\t")
     for (i = 1; i <= count; i++)
-        if (!((FILENAME, marked, choice[i]) in changes_nothing)) left = left "\t" choice[i]
+        if ((FILENAME, marked, choice[i]) in changes_nothing) delete unseen[FILENAME, marked, choice[i]]
+        else left = left "\t" choice[i]
     if (left != "") printf "%s\t%d\t%d\t%s%s\n", FILENAME, FNR, column, old, left
     delete choice
 }
@@ -123,4 +125,7 @@ preprocessor || (!closing && /^ *#/) {
             column += step
         }
     }
+}
+END {
+    for (row in unseen) print "mutate: same.tsv: no such place: " unseen[row] >"/dev/stderr"
 }

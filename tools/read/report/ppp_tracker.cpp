@@ -252,7 +252,7 @@ void take_callback(ppp_link& link, const control_packet& packet) {
 control_packet control_packet_of(octets data) {
     const int length = data.be16(2);
     if (length < CONTROL_HEADER || length > data.length) {
-        return {};
+        return {0, 0, {}};
     }
     return {data[0], data[1], data.cut(length).skip(CONTROL_HEADER)};
 }
