@@ -97,10 +97,14 @@ TEST(tool_options, takes_the_last_of_an_option_but_a_mistake_in_each) {
 TEST(tool_options, has_options_with_and_without_an_argument) {
     EXPECT_EQ(read_line({"--color"}).color, "");
     EXPECT_EQ(read_line({"--color=red"}).color, "red");
+    EXPECT_EQ(read_line({"--color=true"}).color, "true");
+    EXPECT_EQ(read_line({"--color=a=b"}).color, "a=b");
     const read_line line({"--color", "red"});
     EXPECT_EQ(line.color, "");
     EXPECT_THAT(line.operands, ElementsAre("red"));
     EXPECT_EQ(read_line({"--color=grey"}).mistake, "--color takes some color, not 'grey'");
+    EXPECT_EQ(read_line({"--verbose=true"}).mistake, "--verbose takes no argument, not 'true'");
+    EXPECT_EQ(read_line({"--verbose=false"}).mistake, "--verbose takes no argument, not 'false'");
 }
 
 TEST(tool_options, reads_on_behind_a_mistake_and_names_the_first) {

@@ -5,6 +5,17 @@
 
 namespace ifwatch {
 
+namespace {
+
+constexpr const char* NO_ARGUMENT = "true";  // what CLI11 passes on in its place
+
+/// What stands behind an option whose argument may be left out; reversed_words() leaves it its "=".
+std::string argument_behind(const std::string& given) {
+    return given == NO_ARGUMENT ? "" : given.substr(given.find('=') + 1);
+}
+
+}  // namespace
+
 /// CLI11, and what went wrong first.
 struct command_line::parser {
     CLI::App app;
@@ -13,11 +24,12 @@ struct command_line::parser {
     void note(const std::string& problem) { mistake = mistake.empty() ? problem : mistake; }
 
     /// An option that is read where it stands, instead of when all are known.
-    CLI::Option* add(const std::string& names, const std::string& takes, argument_reader read) {
+    CLI::Option* add(const std::string& names, const std::string& takes, argument_reader read, bool may_be_left_out) {
         const std::string name = names.substr(names.find("--"));
-        CLI::callback_t read_first = [this, name, takes, read = std::move(read)](const CLI::results_t& given) {
-            if (!read(given.front())) {
-                note(name + " takes " + takes + ", not " + in_quotes(given.front()));
+        CLI::callback_t read_first = [=, this, read = std::move(read)](const CLI::results_t& given) {
+            const std::string text = may_be_left_out ? argument_behind(given.front()) : given.front();
+            if (!read(text)) {
+                note(name + " takes " + takes + ", not " + in_quotes(text));
             }
             return true;
         };
@@ -27,10 +39,9 @@ struct command_line::parser {
 
 namespace {
 
-constexpr const char* NO_ARGUMENT = "true";  // what CLI11 passes on in its place
-
 /// The words in the order that CLI11 asks for, the last one first. An empty argument behind "--name=" becomes a word of
-/// its own, or the next word would be taken for the argument.
+/// its own, or the next word would be taken for the argument; one that may be left out keeps its "=", which tells it
+/// from NO_ARGUMENT.
 std::vector<std::string> reversed_words(const CLI::App& app, int argc, char** argv) {
     std::vector<std::string> words;
     bool is_argument = false;
@@ -43,6 +54,8 @@ std::vector<std::string> reversed_words(const CLI::App& app, int argc, char** ar
         if (takes_argument && equals == word.size() - 1) {
             words.back().pop_back();
             words.emplace_back();
+        } else if (named != nullptr && !takes_argument && equals != std::string::npos) {
+            words.back().insert(equals, "=");
         }
         is_argument = takes_argument && equals == std::string::npos;
     }
@@ -75,14 +88,11 @@ command_line::~command_line() = default;
 
 void command_line::option(const std::string& names, const std::string& takes, argument_reader read) {
     // "--port: 1 required argument (a port) is missing"
-    parser_->add(names, takes, std::move(read))->type_name("argument (" + takes + ") is");
+    parser_->add(names, takes, std::move(read), false)->type_name("argument (" + takes + ") is");
 }
 
 void command_line::option_or_flag(const std::string& names, const std::string& takes, argument_reader read) {
-    const auto read_any = [read = std::move(read)](const std::string& text) {
-        return read(text == NO_ARGUMENT ? "" : text);
-    };
-    parser_->add(names, takes, read_any)->expected(0);
+    parser_->add(names, takes, std::move(read), true)->expected(0);
 }
 
 void command_line::flag(const std::string& names, std::function<void()> act) {
