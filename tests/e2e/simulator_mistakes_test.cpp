@@ -39,6 +39,7 @@ TEST(simulator, names_mistakes_in_one_line) {
         {{"--nonsense", good}, "unknown option '--nonsense' (--help tells more)"},
         {{"-xv", good}, "unknown option '-xv' (--help tells more)"},
         {{"--once=1", good}, "--once takes no argument, not '1' (--help tells more)"},
+        {{"--sessions", "0", good}, "--sessions takes a number of sessions above 0, not '0' (--help tells more)"},
         {{good, "--port"}, "--port: 1 required argument (a port from 0 to 65535) is missing (--help tells more)"},
         {{"--fault", "drip", "--fault", "cut=1", good},
          "--fault takes one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, "

@@ -142,8 +142,9 @@ bool export_file(const std::string& path, const conversion& wanted, std::string&
 }
 
 void add_import_options(command_line& line, import_settings& import) {
-    line.option("-c,--channel", "the code of a channel type", number(import.channel_type, -0x8000, 0xFFFF));
-    line.option("-i,--interface", "an interface index",
+    line.option("-c,--channel", "the code of a channel type from -32768 to 65535",
+                number(import.channel_type, -0x8000, 0xFFFF));
+    line.option("-i,--interface", "an interface index from 0 to 2147483647",
                 number(import.interface_index, 0, std::numeric_limits<std::int32_t>::max()));
     line.option("--options", "the options for the viewer, without #", [&import](const std::string& text) {
         import.viewer_options = text;
@@ -151,7 +152,7 @@ void add_import_options(command_line& line, import_settings& import) {
     });
     line.option("-s,--sent", "none, all, a MAC address or an IPv4 address",
                 parsed(import.sent, capture::parse_sent_rule));
-    line.option("--start", "a time stamp in ms", number(import.start_ms, 0, MAX_32_BIT));
+    line.option("--start", "a time stamp in ms from 0 to 4294967295", number(import.start_ms, 0, MAX_32_BIT));
 }
 
 }  // namespace

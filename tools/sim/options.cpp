@@ -28,11 +28,11 @@ void add_serving(command_line& line, daemon_setup& setup) {
     line.option("--port-file", "a file name", nonempty_text(setup.port_file));
     line.option("--password", "a text", any_text(setup.password));
     line.flag("--once", [&setup] { setup.sessions = 1; });
-    line.option("--sessions", "a number of sessions", number(setup.sessions, 1, MAX_COUNT));
+    line.option("--sessions", "a number of sessions above 0", number(setup.sessions, 1, MAX_COUNT));
     line.flag("-v,--verbose", setup.verbose);
     line.option("--pace", "real or a factor above 0", parsed(setup.pace, parse_pace));
     line.option("--rate", "a number of records a second above 0", parsed(setup.rate, parse_positive));
-    line.option("--together", "a number of traces", number(setup.together, 1, MAX_COUNT));
+    line.option("--together", "a number of traces above 0", number(setup.together, 1, MAX_COUNT));
     line.option("--loop", "a number of rounds, 0 for no end", number(setup.loops, 0, MAX_COUNT));
 }
 
@@ -51,7 +51,7 @@ void add_other_daemons(command_line& line, daemon_setup& setup) {
                                            {"addinfo", session_step::ADDINFO},
                                            {"chantype", session_step::CHANTYPE},
                                            {"reply", session_step::REPLY}}));
-    line.option("--limit", "a number of traces", number(setup.limit, 1, MAX_COUNT));
+    line.option("--limit", "a number of traces above 0", number(setup.limit, 1, MAX_COUNT));
     line.option("--fault",
                 "one of mute, refuse, cut=N, stall=N, drip, silence=N, swap=N, restart=N, length=record:N:LENGTH and "
                 "length=element:TYPE:LENGTH, once for an interface",
