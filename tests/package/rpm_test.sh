@@ -27,7 +27,7 @@ query() { rpm --dbpath "$scratch/db" "$@"; }
         zsh/site-functions/_ifwatch zsh/site-functions/_ifwatch-sim fish/vendor_completions.d/ifwatch.fish \
         fish/vendor_completions.d/ifwatch-sim.fish man/man1/ifwatch.1.gz man/man1/ifwatch-sim.1.gz \
         man/man5/ifwatch-case.5.gz doc/ifwatch doc/ifwatch/docs doc/ifwatch/docs/reading-a-trace.md \
-        doc/ifwatch/docs/session.svg ifwatch ifwatch/samples; do
+        doc/ifwatch/docs/session.svg doc/ifwatch/docs/report.svg doc/ifwatch/docs/window-call.png ifwatch ifwatch/samples; do
         echo "/usr/share/$file"
     done
     if [ -x "$build/ifwatch-extcap" ]; then
