@@ -14,4 +14,4 @@ step compiler root "dpkg --add-architecture $system && apt-get update -q &&
 step build root "$here/cross_build.sh $compiler $emulator"
 step test root "ctest --test-dir build/cross -j $(nproc) --timeout 7200 --output-on-failure --no-tests=error -R '^(golden|report|unit|replay)/'"
 row="Debian 13 | $system ($about) | g++ $(version "$compiler-g++ -dumpfullversion"), $emulator $(version "$emulator --version") \
-| $(tests_of test): golden cases, unit tests, replay"
+| $(tests_of test)"
