@@ -364,6 +364,16 @@ protected:
         return count > 0;
     }
 
+    /// Begins a capture, closes the pipe behind its first octets, and expects its quiet end.
+    void expect_end_without_reader(const simulator& router) {
+        process program(plugin(capture_arguments(router.port(), fifo.name())));
+        wait_for(POLLIN);
+        fifo.close_end();
+        const outcome got = program.wait();
+        EXPECT_EQ(got.status, 0);
+        EXPECT_EQ(got.errors, "");
+    }
+
     /// How much a capture of the two packets writes before the router ends it.
     std::size_t size_without_statistics() {
         const simulator router({LAN_CASE});
@@ -439,23 +449,13 @@ TEST_F(extcap_fifo, that_nobody_reads_does_not_hold_up_the_end) {
 
 TEST_F(extcap_fifo, whose_reader_has_gone_ends_the_capture) {
     simulator router({LAN_CASE}, {"--loop", "0", "--once"});
-    process program(plugin(capture_arguments(router.port(), fifo.name())));
-    wait_for(POLLIN);
-    fifo.close_end();
-    const outcome got = program.wait();
-    EXPECT_EQ(got.status, 0);
-    EXPECT_EQ(got.errors, "");
+    expect_end_without_reader(router);
     EXPECT_EQ(router.program().wait().status, 0) << "the session has ended";
 }
 
 TEST_F(extcap_fifo, whose_reader_has_gone_ends_the_capture_of_a_silent_line) {
-    simulator router({LAN_CASE}, {"--fault", "silence=0", "--once"});
-    process program(plugin(capture_arguments(router.port(), fifo.name())));
-    wait_for(POLLIN);
-    fifo.close_end();
-    const outcome got = program.wait();
-    EXPECT_EQ(got.status, 0);
-    EXPECT_EQ(got.errors, "");
+    const simulator router({LAN_CASE}, {"--fault", "silence=0", "--once"});
+    expect_end_without_reader(router);
 }
 
 }  // namespace

@@ -111,7 +111,17 @@ protected:
     std::string option = "--ofile=" + name;
 };
 
-class pcap_pipe : public sink {};
+class pcap_pipe : public sink {
+protected:
+    void expect_new_pipe() const {
+        const scripted_daemon daemon(serving(1));
+        process tracer(tracing(daemon, {"--pcap-pipe", option}));
+        ASSERT_TRUE(tracer.wait_for_errors("start now"));
+        EXPECT_EQ(mode_of(name), S_IFIFO | 0600U);
+        EXPECT_EQ(run(reading(name)).output, pcap_of(1));
+        EXPECT_EQ(tracer.wait().status, 0);
+    }
+};
 class pcap_file : public sink {};
 class analyser : public sink {};
 
@@ -140,22 +150,12 @@ TEST_F(pcap_pipe, says_what_it_opens) {
 
 TEST_F(pcap_pipe, replaces_an_old_file) {
     directory.write("out", "old");
-    const scripted_daemon daemon(serving(1));
-    process tracer(tracing(daemon, {"--pcap-pipe", option}));
-    ASSERT_TRUE(tracer.wait_for_errors("start now"));
-    EXPECT_EQ(mode_of(name), S_IFIFO | 0600U);
-    EXPECT_EQ(run(reading(name)).output, pcap_of(1));
-    EXPECT_EQ(tracer.wait().status, 0);
+    expect_new_pipe();
 }
 
 TEST_F(pcap_pipe, replaces_an_old_pipe) {
     ASSERT_EQ(mkfifo(name.c_str(), 0644), 0);
-    const scripted_daemon daemon(serving(1));
-    process tracer(tracing(daemon, {"--pcap-pipe", option}));
-    ASSERT_TRUE(tracer.wait_for_errors("start now"));
-    EXPECT_EQ(mode_of(name), S_IFIFO | 0600U);
-    EXPECT_EQ(run(reading(name)).output, pcap_of(1));
-    EXPECT_EQ(tracer.wait().status, 0);
+    expect_new_pipe();
 }
 
 TEST_F(pcap_pipe, that_cannot_be_created_ends_the_run) {
