@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -177,12 +178,13 @@ struct pipe_pair {
 
 TEST(confinement, other_calls_are_refused) {
     const pipe_pair sink;
-    const auto errors = errors_when_confined<7>(
+    const auto errors = errors_when_confined<8>(
         {.input_fd = STDIN_FILENO, .sink_fd = sink.ends[1]}, sink.ends[1], sink.ends[0],
         {[] { return open("/etc/passwd", O_RDONLY | O_CLOEXEC); }, [] { return socket(AF_INET, SOCK_STREAM, 0); },
          [] { return static_cast<int>(fork()); }, [] { return execl("/bin/true", "true", nullptr); },
          [] { return kill(getppid(), 0); }, [] { return unlink("/nowhere"); },
-         [] { return static_cast<int>(write(STDIN_FILENO, "", 1)); }});
+         [] { return static_cast<int>(write(STDIN_FILENO, "", 1)); },
+         [] { return static_cast<int>(syscall(SYS_clock_gettime, CLOCK_MONOTONIC, nullptr)); }});
     for (const std::uint8_t error : errors) {
         EXPECT_EQ(error, EPERM) << &error - errors.data();
     }

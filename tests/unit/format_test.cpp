@@ -66,6 +66,7 @@ TEST(format, precision_of_numbers) {
 TEST(format, texts) {
     const std::string text = "name";
     EXPECT_EQ(formatted<"%s|%6s|%-6s|%.2s|%-6.2s|">(text, text, text, text, text), "name|  name|name  |na|na    |");
+    EXPECT_EQ(formatted<"%.0s|%3.0s|">(text, text), "|   |");
     EXPECT_EQ(formatted<"%s">(static_cast<const char*>(nullptr)), "(null)");
     EXPECT_EQ(formatted<"%s">(table_text("of a table")), "of a table");
     EXPECT_EQ(formatted<"%*.*s|">(5, 2, "abcdef"), "   ab|");

@@ -1,4 +1,5 @@
-// Reads, writes and connects that a signal interrupts are taken up again.
+// Reads, writes and connects that a signal interrupts are taken up again, and wait only where there is something to
+// wait for.
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -8,10 +9,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "base/patient_write.h"
 #include "base/print.h"
 #include "base/terminal_text.h"
 #include "display/display_context.h"
@@ -126,6 +129,14 @@ TEST(interrupted_call, a_text_for_a_terminal_waits_for_room_where_the_stream_doe
         EXPECT_TRUE(write_terminal_text(pipe.writer(), "\x1b[2J\n"));
     }
     EXPECT_EQ(pipe.drain(), "\\x1b[2J\n");
+}
+
+TEST(write_patiently, does_not_wait_to_write_nothing) {
+    const full_pipe pipe;
+    alarm(10);       // ends a test that waits
+    errno = EAGAIN;  // of an earlier call
+    EXPECT_EQ(write_patiently(pipe.writer(), "", 0), 0);
+    alarm(0);
 }
 
 TEST(interrupted_call, a_password_is_read) {
