@@ -99,6 +99,9 @@ TEST(format, a_full_buffer_cuts) {
     print_to<"%s%d">(text, "abc", 12345);
     EXPECT_EQ(text.text(), "abc1");
     EXPECT_STREQ(text.c_str(), "abc1");
+    text_buffer<2> letters;
+    print_to<"%c%c%c">(letters, 'a', 'b', 'c');
+    EXPECT_EQ(letters.text(), "ab");
 }
 
 TEST(format, named_texts_hold_at_most_one_number) {
