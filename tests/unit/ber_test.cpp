@@ -46,6 +46,11 @@ TEST(dump_ber, follows_every_line_end_with_the_prefix) {
 
 TEST(dump_ber, prints_nothing_of_nothing) { EXPECT_EQ(ber({}), ""); }
 
+TEST(dump_ber, takes_the_first_octet_of_an_object_identifier_apart) {
+    EXPECT_EQ(ber({0x06, 0x01, 0x27}), "object_identifier (0x1)\n0x27  (0.39)\n");
+    EXPECT_EQ(ber({0x06, 0x01, 0x50}), "object_identifier (0x1)\n0x50  (2.0)\n");
+}
+
 TEST(dump_ber, prints_one_element_even_when_none_is_declared) {
     frame data = {0x05, 0x00, 0x05, 0x00};
     captured_output output;

@@ -281,6 +281,8 @@ TEST(IsdnWords, OfBearerAndCompatibilityElements) {
     std::array<std::uint8_t, 6> low_layer{0x7C, 0x04, 0x88, 0x90, 0xC6, 0xE6};
     EXPECT_EQ(layer2_protocol_name(octets_of(low_layer)).view(), "X.25 , link layer ");
     EXPECT_EQ(information_capability_name(octets_of(low_layer)).view(), "unrestrict. digital info");
+    low_layer[3] = 0xC0;  // packet mode, which has the bits of layer 2
+    EXPECT_EQ(layer2_protocol_name(octets_of(low_layer)).view(), "X.25 , link layer ");
     std::array<std::uint8_t, 4> bearer{0x04, 0x02, 0x88, 0x90};
     EXPECT_FALSE(layer2_protocol_name(octets_of(bearer)));
     EXPECT_FALSE(information_capability_name(octets_of(bearer).cut(2))) << "an element without contents";
